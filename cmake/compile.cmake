@@ -1,0 +1,52 @@
+# One place for what every target of the project is compiled and linked with.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+
+add_library(project_options INTERFACE)
+target_compile_options(project_options INTERFACE
+    $<$<COMPILE_LANGUAGE:CXX>:-Wall -Wextra -Wpedantic -Wconversion -Werror>
+    # The same bytes from any folder, and log lines that name files as the project does.
+    $<$<COMPILE_LANGUAGE:C,CXX>:-ffile-prefix-map=${CMAKE_SOURCE_DIR}/=>)
+target_compile_definitions(project_options INTERFACE
+    UNICODE _UNICODE NOMINMAX _WIN32_WINNT=0x0601 WINVER=0x0601)
+target_include_directories(project_options INTERFACE ${CMAKE_SOURCE_DIR}/source ${CMAKE_SOURCE_DIR})
+# Static runtimes: the DLL must import nothing that Windows does not bring.
+target_link_options(project_options INTERFACE -static -Wl,--no-insert-timestamp)
+
+if(CHECKED)
+    target_compile_options(project_options INTERFACE
+        $<$<COMPILE_LANGUAGE:CXX>:-fsanitize=undefined -fsanitize-undefined-trap-on-error>)
+    target_compile_definitions(project_options INTERFACE _GLIBCXX_ASSERTIONS)
+elseif(COVERAGE)
+    target_compile_options(project_options INTERFACE $<$<COMPILE_LANGUAGE:CXX>:--coverage>)
+    target_link_options(project_options INTERFACE --coverage)
+else()
+    target_compile_options(project_options INTERFACE
+        $<$<COMPILE_LANGUAGE:CXX>:-fstack-protector-strong>)
+    target_compile_definitions(project_options INTERFACE $<$<CONFIG:Release>:_FORTIFY_SOURCE=2>)
+    target_link_options(project_options INTERFACE $<$<CONFIG:Release>:-s>)
+endif()
+
+# A static library from every source file of the folder.
+function(project_library name)
+    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+    add_library(${name} STATIC ${sources})
+    target_link_libraries(${name} PUBLIC project_options ${ARGN})
+endfunction()
+
+# A GoogleTest program from every source file of the folder; CTest runs each test in a process of its own.
+function(project_tests name)
+    cmake_parse_arguments(arg "" "LOCK;TIMEOUT" "LIBRARIES" ${ARGN})
+    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+    add_executable(${name} ${sources})
+    target_link_libraries(${name} PRIVATE project_options test_main ${arg_LIBRARIES})
+    if(NOT arg_TIMEOUT)
+        set(arg_TIMEOUT 60)
+    endif()
+    set(properties TIMEOUT ${arg_TIMEOUT})
+    if(arg_LOCK)
+        list(APPEND properties RESOURCE_LOCK ${arg_LOCK})
+    endif()
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 PROPERTIES ${properties})
+endfunction()
