@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#include "stand-ins/agent/Misbehaviour.h"
+
 namespace stand_ins {
 
 struct Inspection;
@@ -70,7 +72,7 @@ public:
     std::vector<std::wstring> channels;                  ///< those in force for an application
     bool directives = true;                              ///< whether a mail's own wishes are honoured
     std::vector<Rule> rules;
-    std::vector<std::wstring> misbehaviour; ///< as MisbehaviourRule::FromText reads them
+    std::vector<MisbehaviourRule> misbehaviour;          ///< in force with the policy
 };
 
 } // namespace stand_ins
