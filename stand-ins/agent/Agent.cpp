@@ -16,6 +16,9 @@
 #include "stand-ins/agent/Text.h"
 
 namespace stand_ins {
+
+using namespace agent;
+
 namespace {
 
 constexpr UINT kDied = 3;

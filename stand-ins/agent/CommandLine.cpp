@@ -6,7 +6,7 @@
 
 #include "stand-ins/agent/Text.h"
 
-namespace stand_ins {
+namespace stand_ins::agent {
 namespace {
 
 std::uint32_t Number_(const std::wstring& option, const std::wstring& text, std::uint32_t most) {
@@ -79,4 +79,4 @@ Stands in for a data-protection agent: publishes its port and answers an add-in'
 )";
 }
 
-} // namespace stand_ins
+} // namespace stand_ins::agent

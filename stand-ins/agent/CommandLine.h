@@ -5,7 +5,7 @@
 
 #include "stand-ins/agent/Misbehaviour.h"
 
-namespace stand_ins {
+namespace stand_ins::agent {
 
 /// What agent.exe was asked to do.
 struct CommandLine {
@@ -27,4 +27,4 @@ struct CommandLine {
     static std::wstring Usage();
 };
 
-} // namespace stand_ins
+} // namespace stand_ins::agent

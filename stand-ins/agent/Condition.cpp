@@ -6,7 +6,7 @@
 #include "stand-ins/agent/Inspection.h"
 #include "stand-ins/agent/Text.h"
 
-namespace stand_ins {
+namespace stand_ins::agent {
 namespace {
 
 bool IsDigit_(wchar_t c) {
@@ -134,4 +134,4 @@ bool Condition::Holds(const Inspection& inspection) const {
     });
 }
 
-} // namespace stand_ins
+} // namespace stand_ins::agent

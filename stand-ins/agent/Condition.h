@@ -5,7 +5,7 @@
 #include <variant>
 #include <vector>
 
-namespace stand_ins {
+namespace stand_ins::agent {
 
 struct Inspection;
 
@@ -51,4 +51,4 @@ private:
     std::vector<Probe> probes_;
 };
 
-} // namespace stand_ins
+} // namespace stand_ins::agent

@@ -5,7 +5,7 @@
 
 #include "stand-ins/agent/Message.h"
 
-namespace stand_ins {
+namespace stand_ins::agent {
 
 Connection::Connection(SOCKET socket, HANDLE stop)
     : socket_(socket), stop_(stop), activity_(CreateEventW(nullptr, FALSE, FALSE, nullptr)) {
@@ -97,4 +97,4 @@ bool Connection::Await_() {
     return WaitForMultipleObjects(2, events, FALSE, INFINITE) == WAIT_OBJECT_0 + 1;
 }
 
-} // namespace stand_ins
+} // namespace stand_ins::agent

@@ -5,7 +5,7 @@
 
 #include "platform/Windows.h"
 
-namespace stand_ins {
+namespace stand_ins::agent {
 
 /// One accepted connection. Every wait ends early when the server stops.
 class Connection {
@@ -44,4 +44,4 @@ private:
     WSAEVENT activity_;
 };
 
-} // namespace stand_ins
+} // namespace stand_ins::agent

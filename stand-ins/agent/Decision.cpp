@@ -9,7 +9,7 @@
 #include "stand-ins/agent/Policy.h"
 #include "stand-ins/agent/Text.h"
 
-namespace stand_ins {
+namespace stand_ins::agent {
 namespace {
 
 /// The files of one decision; those that nobody has taken are removed at the end.
@@ -123,4 +123,4 @@ void RemoveFiles(const std::vector<std::wstring>& files) {
     }
 }
 
-} // namespace stand_ins
+} // namespace stand_ins::agent

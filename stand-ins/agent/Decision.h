@@ -3,8 +3,11 @@
 #include <vector>
 
 namespace stand_ins {
-
 struct Actions;
+}
+
+namespace stand_ins::agent {
+
 struct Inspection;
 
 /// A decision as it goes back.
@@ -26,4 +29,4 @@ std::wstring VerdictText(bool isBlocked);
 /// Removes files that nobody has taken over; those that are gone are passed over.
 void RemoveFiles(const std::vector<std::wstring>& files);
 
-} // namespace stand_ins
+} // namespace stand_ins::agent

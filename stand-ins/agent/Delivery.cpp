@@ -4,7 +4,7 @@
 
 #include "stand-ins/agent/Message.h"
 
-namespace stand_ins {
+namespace stand_ins::agent {
 namespace {
 
 /// Long enough for a client to read what has come before the next piece comes.
@@ -124,4 +124,4 @@ bool Deliver(Connection& connection, const Answer& answer, const MisbehaviourRul
     return isGood;
 }
 
-} // namespace stand_ins
+} // namespace stand_ins::agent

@@ -4,7 +4,7 @@
 #include "stand-ins/agent/Agent.h"
 #include "stand-ins/agent/Connection.h"
 
-namespace stand_ins {
+namespace stand_ins::agent {
 
 /// The bytes of an answer, the delimiter included.
 std::string BytesOf(const Answer& answer);
@@ -13,4 +13,4 @@ std::string BytesOf(const Answer& answer);
 /// whole of a good answer, so that its files are the client's now.
 bool Deliver(Connection& connection, const Answer& answer, const MisbehaviourRule& misbehaviour);
 
-} // namespace stand_ins
+} // namespace stand_ins::agent

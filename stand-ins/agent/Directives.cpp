@@ -5,7 +5,7 @@
 #include "stand-ins/agent/Inspection.h"
 #include "stand-ins/agent/Text.h"
 
-namespace stand_ins {
+namespace stand_ins::agent {
 namespace {
 
 std::wstring_view Trimmed_(std::wstring_view text) {
@@ -78,4 +78,4 @@ std::optional<std::uint32_t> ReadDuration(std::wstring_view text) {
     return milliseconds > kMost ? std::nullopt : std::optional(static_cast<std::uint32_t>(milliseconds));
 }
 
-} // namespace stand_ins
+} // namespace stand_ins::agent

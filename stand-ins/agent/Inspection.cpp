@@ -8,7 +8,7 @@
 
 #include "stand-ins/agent/Text.h"
 
-namespace stand_ins {
+namespace stand_ins::agent {
 namespace {
 
 void Parse_(TiXmlDocument& document, std::wstring_view xml) {
@@ -108,4 +108,4 @@ std::string Indented(std::wstring_view xml) {
     return printer.Str();
 }
 
-} // namespace stand_ins
+} // namespace stand_ins::agent

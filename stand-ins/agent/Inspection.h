@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-namespace stand_ins {
+namespace stand_ins::agent {
 
 /// A file that leaves with an item.
 struct InspectedFile {
@@ -36,4 +36,4 @@ private:
 /// The same document, indented for a reader. Throws as Inspection::FromXml.
 std::string Indented(std::wstring_view xml);
 
-} // namespace stand_ins
+} // namespace stand_ins::agent

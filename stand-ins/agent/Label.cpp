@@ -7,7 +7,7 @@
 #include "stand-ins/agent/Message.h"
 #include "stand-ins/agent/Text.h"
 
-namespace stand_ins {
+namespace stand_ins::agent {
 namespace {
 
 constexpr std::string_view kMark = "\xFF\xFE";
@@ -170,4 +170,4 @@ std::string LabelBody(std::string_view bytes, BodyForm form, std::wstring_view b
     return LabelRich_(bytes, before, after);
 }
 
-} // namespace stand_ins
+} // namespace stand_ins::agent

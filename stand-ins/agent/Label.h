@@ -2,7 +2,7 @@
 #include <string>
 #include <string_view>
 
-namespace stand_ins {
+namespace stand_ins::agent {
 
 /// The forms in which a body comes, by the extension of its file.
 enum class BodyForm {
@@ -18,4 +18,4 @@ BodyForm BodyFormOf(std::wstring_view path);
 /// it begins a new line. Throws std::runtime_error if the bytes are not of the form.
 std::string LabelBody(std::string_view bytes, BodyForm form, std::wstring_view before, std::wstring_view after);
 
-} // namespace stand_ins
+} // namespace stand_ins::agent

@@ -7,7 +7,7 @@
 
 #include "stand-ins/agent/Text.h"
 
-namespace stand_ins {
+namespace stand_ins::agent {
 namespace {
 
 /// A reader of as much XML as a message may hold: elements, attributes, text, references, CDATA, comments.
@@ -232,8 +232,8 @@ WireMessage WireMessage::FromText(std::wstring_view text) {
 }
 
 std::wstring WireMessage::ToText() const {
-    std::wstring text = L"<?xml version=\"1.0\" encoding=\"utf-16\"?>\r\n<Msg version=\"1\" type=\"" + type +
-                        L"\" pid=\"" + std::to_wstring(pid) + L"\">\r\n";
+    std::wstring text = L"<?xml version=\"1.0\" encoding=\"utf-16\"?>\r\n<Msg version=\"1\" type=\"";
+    text += type + L"\" pid=\"" + std::to_wstring(pid) + L"\">\r\n";
     for (const auto& [name, entry] : entries) {
         text += L"  <Key name=\"" + Escape(name) + L"\" type=\"" + entry.tag + L"\" size=\"" +
                 std::to_wstring(SizeOf_(entry)) + L"\" hidden=\"0\">" + Escape(entry.value) + L"</Key>\r\n";
@@ -257,4 +257,4 @@ std::wstring FromWire(std::string_view bytes) {
     return text;
 }
 
-} // namespace stand_ins
+} // namespace stand_ins::agent

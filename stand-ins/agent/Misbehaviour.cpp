@@ -7,6 +7,9 @@
 #include "stand-ins/agent/Text.h"
 
 namespace stand_ins {
+
+using namespace agent;
+
 namespace {
 
 struct Name_ {

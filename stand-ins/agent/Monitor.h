@@ -1,7 +1,7 @@
 #pragma once
 #include "platform/Windows.h"
 
-namespace stand_ins {
+namespace stand_ins::agent {
 
 /// A lock with a condition to wait for.
 class Monitor {
@@ -39,4 +39,4 @@ private:
     CONDITION_VARIABLE changed_ = CONDITION_VARIABLE_INIT;
 };
 
-} // namespace stand_ins
+} // namespace stand_ins::agent

@@ -9,6 +9,9 @@
 
 namespace stand_ins {
 
+using namespace agent;
+
+
 Policy Policy::Always(Actions actions) {
     Policy policy;
     policy.rules.push_back({L"always", {}, std::move(actions)});

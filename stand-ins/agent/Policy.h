@@ -11,8 +11,10 @@
 
 namespace stand_ins {
 
+namespace agent {
 struct Inspection;
 class Condition;
+} // namespace agent
 
 /// What replaces an attachment: the content of a file, or a text.
 struct Replacement {
@@ -36,7 +38,7 @@ struct Actions {
 /// A rule: the first one whose conditions all hold decides.
 struct Rule {
     std::wstring name;
-    std::vector<std::shared_ptr<const Condition>> conditions; ///< none: the rule always holds
+    std::vector<std::shared_ptr<const agent::Condition>> conditions; ///< none: the rule always holds
     Actions actions;
 };
 
@@ -66,7 +68,7 @@ public:
     std::int32_t ExecutionMode(const std::wstring& channel) const;
 
     /// What is to happen to an item.
-    Verdict Judge(const Inspection& inspection) const;
+    Verdict Judge(const agent::Inspection& inspection) const;
 
     std::map<std::wstring, std::int32_t> executionModes; ///< by channel; "*" is any other; neither: 1
     std::vector<std::wstring> channels;                  ///< those in force for an application

@@ -14,6 +14,9 @@
 #include "stand-ins/agent/Text.h"
 
 namespace stand_ins {
+
+using namespace agent;
+
 namespace {
 
 /// A value of the file and the way to it.

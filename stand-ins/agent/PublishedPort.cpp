@@ -6,7 +6,7 @@
 
 #include "stand-ins/agent/Text.h"
 
-namespace stand_ins {
+namespace stand_ins::agent {
 namespace {
 
 /// The system may do everything, everyone may read, also with a restricted token. The creator writes through the view
@@ -60,4 +60,4 @@ void PublishedPort::Set(std::uint16_t port) {
     view_[1] = static_cast<unsigned char>(port >> 8);
 }
 
-} // namespace stand_ins
+} // namespace stand_ins::agent

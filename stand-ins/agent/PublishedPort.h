@@ -4,7 +4,7 @@
 
 #include "platform/Windows.h"
 
-namespace stand_ins {
+namespace stand_ins::agent {
 
 /// The named section of two bytes in which clients find a service's port, for as long as the object lives.
 class PublishedPort {
@@ -22,4 +22,4 @@ private:
     unsigned char* view_ = nullptr;
 };
 
-} // namespace stand_ins
+} // namespace stand_ins::agent

@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-namespace stand_ins {
+namespace stand_ins::agent {
 namespace {
 
 /// Winsock, from the first server to the end of the process.
@@ -148,4 +148,4 @@ void Server::Bind_(std::uint16_t port) {
     port_ = ntohs(address.sin_port);
 }
 
-} // namespace stand_ins
+} // namespace stand_ins::agent

@@ -8,7 +8,7 @@
 #include "stand-ins/agent/Connection.h"
 #include "stand-ins/agent/Monitor.h"
 
-namespace stand_ins {
+namespace stand_ins::agent {
 
 /// Accepts connections on the loopback address and serves each on a thread of its own. The threads take turns at
 /// waiting for the next connection, so that an exchange costs no new thread unless all are busy.
@@ -48,4 +48,4 @@ private:
     std::vector<HANDLE> threads_;
 };
 
-} // namespace stand_ins
+} // namespace stand_ins::agent

@@ -7,7 +7,7 @@
 #include "stand-ins/agent/Inspection.h"
 #include "stand-ins/agent/Text.h"
 
-namespace stand_ins {
+namespace stand_ins::agent {
 namespace {
 
 /// The answer to "StartAppMgrIdentifyChannels": these channels are watched, launches and files are not.
@@ -103,4 +103,4 @@ void Service::Log_(const std::wstring& line) const {
     }
 }
 
-} // namespace stand_ins
+} // namespace stand_ins::agent

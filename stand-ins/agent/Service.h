@@ -6,7 +6,7 @@
 
 #include "stand-ins/agent/Agent.h"
 
-namespace stand_ins {
+namespace stand_ins::agent {
 
 /// The plug-ins and their methods: what is answered to a request.
 class Service {
@@ -31,4 +31,4 @@ private:
     std::atomic<unsigned> recorded_ = 0;
 };
 
-} // namespace stand_ins
+} // namespace stand_ins::agent

@@ -10,7 +10,7 @@
 
 #include <objbase.h>
 
-namespace stand_ins {
+namespace stand_ins::agent {
 namespace {
 
 class FileHandle_ {
@@ -181,4 +181,4 @@ void MakeFolder(const std::wstring& path) {
     }
 }
 
-} // namespace stand_ins
+} // namespace stand_ins::agent

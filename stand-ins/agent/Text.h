@@ -2,7 +2,7 @@
 #include <string>
 #include <string_view>
 
-namespace stand_ins {
+namespace stand_ins::agent {
 
 std::string ToUtf8(std::wstring_view text);
 
@@ -34,4 +34,4 @@ void WriteWholeFile(const std::wstring& path, std::string_view bytes);
 /// Makes the folder and those above it.
 void MakeFolder(const std::wstring& path);
 
-} // namespace stand_ins
+} // namespace stand_ins::agent

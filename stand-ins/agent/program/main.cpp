@@ -11,6 +11,7 @@
 namespace {
 
 using namespace stand_ins;
+using namespace stand_ins::agent;
 
 enum Status { kEnded = 0, kFailed = 1, kMisused = 2 };
 
