@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cwchar>
 #include <optional>
+#include <sstream>
 #include <stdexcept>
+#include <utility>
 
 #include "stand-ins/agent/Text.h"
 
@@ -232,13 +234,15 @@ WireMessage WireMessage::FromText(std::wstring_view text) {
 }
 
 std::wstring WireMessage::ToText() const {
-    std::wstring text = L"<?xml version=\"1.0\" encoding=\"utf-16\"?>\r\n<Msg version=\"1\" type=\"";
-    text += type + L"\" pid=\"" + std::to_wstring(pid) + L"\">\r\n";
+    std::wostringstream text;
+    text << L"<?xml version=\"1.0\" encoding=\"utf-16\"?>\r\n<Msg version=\"1\" type=\"" << type << L"\" pid=\"" << pid
+         << L"\">\r\n";
     for (const auto& [name, entry] : entries) {
-        text += L"  <Key name=\"" + Escape(name) + L"\" type=\"" + entry.tag + L"\" size=\"" +
-                std::to_wstring(SizeOf_(entry)) + L"\" hidden=\"0\">" + Escape(entry.value) + L"</Key>\r\n";
+        text << L"  <Key name=\"" << Escape(name) << L"\" type=\"" << entry.tag << L"\" size=\"" << SizeOf_(entry)
+             << L"\" hidden=\"0\">" << Escape(entry.value) << L"</Key>\r\n";
     }
-    return text + L"</Msg>";
+    text << L"</Msg>";
+    return std::move(text).str();
 }
 
 std::wstring WireMessage::Value(const std::wstring& name) const {
