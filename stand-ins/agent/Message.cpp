@@ -62,7 +62,7 @@ private:
     void Skip_(std::wstring_view end) {
         const std::size_t found = text_.find(end, at_);
         if (found == std::wstring_view::npos) {
-            Fail("\"" + ToUtf8(end) + "\" is missing");
+            Fail('"' + ToUtf8(end) + "\" is missing");
         }
         at_ = found + end.size();
     }
@@ -177,7 +177,7 @@ std::uint32_t Number_(const Reader_& reader, const std::wstring& text) {
     const bool isHex = text.starts_with(L"0x") || text.starts_with(L"0X");
     const unsigned long number = std::wcstoul(text.c_str() + (isHex ? 2 : 0), &end, isHex ? 16 : 10);
     if (text.empty() || *end != L'\0') {
-        reader.Fail("\"" + ToUtf8(text) + "\" is no number");
+        reader.Fail('"' + ToUtf8(text) + "\" is no number");
     }
     return static_cast<std::uint32_t>(number);
 }
@@ -203,7 +203,7 @@ WireMessage WireMessage::FromText(std::wstring_view text) {
     message.type = Attribute_(reader, *root, L"type");
     if (message.type != L"Request" && message.type != L"Response" && message.type != L"Error" &&
         message.type != L"Test") {
-        reader.Fail("\"" + ToUtf8(message.type) + "\" is no type of message");
+        reader.Fail('"' + ToUtf8(message.type) + "\" is no type of message");
     }
     message.pid = Number_(reader, Attribute_(reader, *root, L"pid"));
     if (Number_(reader, Attribute_(reader, *root, L"version")) != 1) {
