@@ -1,13 +1,11 @@
 #pragma once
 // The module of an in-process COM server, its object map, and the small helpers around them.
-#include <ocidl.h>
-#include <olectl.h>
-
 #include <string>
 
 #include "platform/Windows.h"
 
-#define ATL_NO_VTABLE
+#include <ocidl.h>
+#include <olectl.h>
 
 namespace ATL {
 
