@@ -1,6 +1,7 @@
 #pragma once
-#include <comdef.h>
+#include "platform/Windows.h" // before <comdef.h>, which would bring an older Winsock
 
+#include <comdef.h>
 #include <exception>
 #include <utility>
 

@@ -18,7 +18,7 @@ struct InfoCopy_ {
 
 } // namespace
 
-void IP::InfoDeleter_::operator()(ADDRINFOW* info) const {
+void AddressInfoDeleter::operator()(ADDRINFOW* info) const {
     if (ownsInfo) {
         delete reinterpret_cast<InfoCopy_*>(info);
     } else {
@@ -72,7 +72,7 @@ void IP::Init() {
     if (error != 0) {
         Throw(L"vorlek::IP::Init", L"GetAddrInfo failed with: ", error);
     }
-    info_ = Info_(list, {.ownsInfo = false});
+    info_ = Info_(list, AddressInfoDeleter{.ownsInfo = false});
     address_ = AddressToString(list->ai_addr, static_cast<int>(list->ai_addrlen));
 }
 
@@ -93,7 +93,7 @@ IP::Info_ IP::Copy_(const ADDRINFOW& info) {
     copy->info.ai_next = nullptr;
     copy->info.ai_addr = reinterpret_cast<sockaddr*>(&copy->address);
     std::memcpy(&copy->address, info.ai_addr, info.ai_addrlen);
-    return Info_(&copy.release()->info, {.ownsInfo = true});
+    return Info_(&copy.release()->info, AddressInfoDeleter{.ownsInfo = true});
 }
 
 } // namespace vorlek

@@ -35,7 +35,8 @@ InspectionDecision::InspectionDecision(const std::wstring& text) {
         LOG_INFO(logger_, L"Inspection decision B: " << text);
         Parse_(text);
     } catch (const std::exception& failure) {
-        LOG_ERROR(logger_, L"Error parsing inspection message result: " << failure.what());
+        border::Report(logger_, log4cxx::Level::getError(), {.words = L"Error parsing inspection message result: "},
+                       LOG_SITE, failure.what());
     } catch (...) {
         LogCurrentException(logger_, L"Error parsing inspection message result.", LOG_SITE);
     }
@@ -80,7 +81,7 @@ void InspectionDecision::ParseModifications_(const ticpp::Element& modifications
 
 void InspectionDecision::DeleteFiles_() const {
     const auto remove = [](const std::wstring& path) {
-        Guard(logger_, LOG_SITE, {.exception = {L""}, .stdException = {L""}, .other = {L""}},
+        Guard(logger_, LOG_SITE, {.exception = {L""}, .comError = {L""}, .stdException = {L""}, .other = {L""}},
               [&] { FileUtils::RemoveFile(path); });
     };
     if (!bodyLabelPath_.empty()) {

@@ -65,7 +65,7 @@ bool Wait(const Socket& socket, DWORD milliseconds, bool read, bool write, bool 
     fd_set writable = only;
     fd_set exceptional = only;
     // Whole seconds only: a limit under one second does not wait at all.
-    const timeval limit = {static_cast<long>(milliseconds / 1000), 0};
+    timeval limit = {static_cast<long>(milliseconds / 1000), 0};
     const int count = ::select(0, read ? &readable : nullptr, write ? &writable : nullptr,
                                exception ? &exceptional : nullptr, milliseconds == INFINITE ? nullptr : &limit);
     ready = count == 1;
