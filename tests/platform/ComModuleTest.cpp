@@ -102,7 +102,7 @@ TEST_F(ComModule, CreatesObjectsThatLiveAsLongAsTheyAreReferredTo) {
     ASSERT_EQ(Factory()->CreateInstance(nullptr, IID_PPV_ARGS(&object)), S_OK);
     EXPECT_EQ(things, 1);
     IDispatchPtr second = object;
-    EXPECT_EQ(second, static_cast<IDispatch*>(object.GetInterfacePtr()));
+    EXPECT_EQ(second.GetInterfacePtr(), object.GetInterfacePtr());
     object = nullptr;
     EXPECT_EQ(things, 1);
     second = nullptr;
@@ -129,8 +129,8 @@ TEST_F(ComModule, StaysWhileTheServerIsLocked) {
 }
 
 TEST_F(ComModule, KeepsOneFactoryForEachClass) {
-    EXPECT_EQ(Factory(), Factory());
-    EXPECT_NE(Factory(kThing), Factory(kOther));
+    EXPECT_EQ(Factory().GetInterfacePtr(), Factory().GetInterfacePtr());
+    EXPECT_NE(Factory(kThing).GetInterfacePtr(), Factory(kOther).GetInterfacePtr());
 }
 
 TEST_F(ComModule, KnowsItsOwnClassesOnly) {
