@@ -35,12 +35,20 @@ function(project_library name)
     target_link_libraries(${name} PUBLIC project_options ${ARGN})
 endfunction()
 
+# Puts a program or a DLL of the checked build on the guard heap.
+function(project_guard_heap name)
+    if(CHECKED)
+        target_sources(${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests/support/GuardHeap.cpp)
+    endif()
+endfunction()
+
 # A GoogleTest program from every source file of the folder; CTest runs each test in a process of its own.
 function(project_tests name)
     cmake_parse_arguments(arg "" "LOCK;TIMEOUT" "LIBRARIES" ${ARGN})
     file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
     add_executable(${name} ${sources})
     target_link_libraries(${name} PRIVATE project_options test_main ${arg_LIBRARIES})
+    project_guard_heap(${name})
     if(NOT arg_TIMEOUT)
         set(arg_TIMEOUT 60)
     endif()
