@@ -1,6 +1,7 @@
 #pragma once
-#include <comdef.h>
+#include "platform/Windows.h" // before <comdef.h>, which would bring an older Winsock
 
+#include <comdef.h>
 #include <exception>
 #include <utility>
 
@@ -30,6 +31,7 @@ namespace border {
 
 void Report(const log4cxx::LoggerPtr& logger, const log4cxx::LevelPtr& level, const Phrase& phrase,
             const log4cxx::spi::LocationInfo& site, const wchar_t* text);
+/// text: UTF-8, as the standard library and the XML layer speak.
 void Report(const log4cxx::LoggerPtr& logger, const log4cxx::LevelPtr& level, const Phrase& phrase,
             const log4cxx::spi::LocationInfo& site, const char* text);
 

@@ -22,6 +22,9 @@ void StartLogSession(const std::wstring& configurationPath, HMODULE module, bool
 /// StartLogSession with the usual path. Safe under the loader lock without watch.
 void StartLog(HMODULE module, bool watch);
 
+/// The lower-cased base name of the module that started the session, empty before.
+const wchar_t* GetLogSessionName();
+
 /// Fills the holder on first use. name: with isFile a source file's name, else the qualified name of a
 /// function, whose last part is dropped: "vorlek::TaskHandler::TaskHandler" gives the logger
 /// "module.vorlek.TaskHandler". Raises Exception.

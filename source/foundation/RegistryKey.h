@@ -51,7 +51,7 @@ public:
 
     /// Replaces the key's content by that of a saved file. flags: the system's REG_ flags.
     void RestoreKey(const std::wstring& path, DWORD flags) const;
-    /// The enumerations replace what the vector holds and end at the first failure without a word.
+    /// The enumerations append to the vector and end at the first failure without a word.
     void GetSubKeyNames(std::vector<std::wstring>& names) const;
     void GetValueNames(std::vector<std::wstring>& names) const;
     /// Copies all values and, with all below them, all sub keys.
@@ -60,8 +60,9 @@ public:
 private:
     RegistryKey(HKEY handle, std::wstring name);
     LSTATUS DeleteTree_(const std::wstring& name) const;
+    template <class Number>
+    Number ReadNumber_(const std::wstring& name, DWORD type) const;
     std::vector<wchar_t> ReadText_(const std::wstring& name) const;
-    void Query_(const std::wstring& name, DWORD* type, void* data, DWORD& size) const;
     void Write_(const std::wstring& name, DWORD type, const void* data, std::size_t size) const;
 
     HKEY handle_;

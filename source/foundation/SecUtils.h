@@ -3,9 +3,9 @@
 #include <memory>
 #include <string>
 
-#include <accctrl.h>
-
 #include "foundation/SA.h"
+
+#include <accctrl.h>
 
 namespace SecUtils {
 

@@ -22,9 +22,9 @@ public:
 
 private:
     void Init();
-    void Open_();
+    void Open_(DWORD access);
     void Create_();
-    void Map_(DWORD access, SIZE_T length);
+    void Map_(DWORD access);
 
     std::wstring name_;
     std::uint64_t size_ = 0;
