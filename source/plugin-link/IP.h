@@ -7,6 +7,11 @@
 
 namespace vorlek {
 
+struct AddressInfoDeleter {
+    bool ownsInfo = false; ///< a private copy rather than the system's list
+    void operator()(ADDRINFOW* info) const;
+};
+
 /// A host and a service (a port in decimal), resolved. Only the first address found is used.
 class IP {
 public:
@@ -34,11 +39,7 @@ public:
     static std::wstring AddressToString(const sockaddr* address, int length);
 
 private:
-    struct InfoDeleter_ {
-        bool ownsInfo = false; ///< a private copy rather than the system's list
-        void operator()(ADDRINFOW* info) const;
-    };
-    using Info_ = std::unique_ptr<ADDRINFOW, InfoDeleter_>;
+    using Info_ = std::unique_ptr<ADDRINFOW, AddressInfoDeleter>;
     static Info_ Copy_(const ADDRINFOW& info);
 
     std::wstring host_;

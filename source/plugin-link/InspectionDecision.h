@@ -46,7 +46,7 @@ public:
 
 private:
     void Parse_(const std::wstring& text);
-    void ParseModifications_(ticpp::Element& modifications);
+    void ParseModifications_(const ticpp::Element& modifications);
     void DeleteFiles_() const;
 
     static LoggerHolder logger_;

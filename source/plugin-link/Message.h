@@ -66,7 +66,7 @@ public:
 
 private:
     const MessageValue& Find_(ThrowSite site, const std::wstring& name) const;
-    const std::wstring& Find_(ThrowSite site, const std::wstring& name, const std::wstring& type) const;
+    const std::wstring& Find_(const std::wstring& name, const wchar_t* type) const;
     std::wstring Write_(bool includeHidden) const;
     static std::unique_ptr<Message> Read_(std::wstring text);
     static std::unique_ptr<Message> ReadHeader_(XMLReader& reader);

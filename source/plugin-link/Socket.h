@@ -5,9 +5,9 @@
 namespace vorlek {
 
 /// Owner of one socket; a handle of 0 counts as none. Starts Winsock when first made.
-class Socket : public AutoHandle<SOCKET, INVALID_SOCKET, closesocket> {
+class Socket : public AutoHandle<SOCKET, -1, closesocket> {
 public:
-    using Handle = AutoHandle<SOCKET, INVALID_SOCKET, closesocket>;
+    using Handle = AutoHandle<SOCKET, -1, closesocket>;
 
     Socket();
     explicit Socket(SOCKET socket);
