@@ -1,8 +1,8 @@
 #pragma once
 // What an Office program calls on an add-in: the AddInDesignerObjects 1.0 type library.
-#include <oaidl.h>
-
 #include "platform/Windows.h"
+
+#include <oaidl.h>
 
 enum ext_ConnectMode : long {
     ext_cm_AfterStartup = 0,
