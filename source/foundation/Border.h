@@ -21,10 +21,10 @@ struct Phrase {
 /// What a border says for each kind of failure, in the order in which the kinds are tried. A failure
 /// without a phrase of its own takes that of `other`; without that one either, it passes.
 struct BorderPhrases {
-    Phrase exception;    ///< vorlek::Exception, with its ToString
-    Phrase comError;     ///< _com_error, with its ErrorMessage
-    Phrase stdException; ///< std::exception, with its what
-    Phrase other;        ///< everything else, with no text of its own
+    Phrase exception = {};    ///< vorlek::Exception, with its ToString
+    Phrase comError = {};     ///< _com_error, with its ErrorMessage
+    Phrase stdException = {}; ///< std::exception, with its what
+    Phrase other = {};        ///< everything else, with no text of its own
 };
 
 namespace border {

@@ -29,7 +29,7 @@ public:
     /// The attributes of the element just read, by local name; defaulted ones are left out.
     std::map<std::wstring, std::wstring> ReadAttributes();
 
-    /// Where in the input the reader stands, for messages about what is wrong with it.
+    /// Where in the input the reader stands, for words about what is wrong there.
     UINT GetLineNumber();
     UINT GetLinePosition();
 

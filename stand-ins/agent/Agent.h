@@ -47,8 +47,9 @@ struct AgentOptions {
     Responder responder;       ///< asked first, before anything of the request's parameter is read
     std::wstring workFolder;   ///< for the files of decisions; empty: %temp%\agent
     std::wstring recordFolder; ///< each inspection's document and decision are kept here; empty: nowhere
-    std::vector<MisbehaviourRule> misbehaviour;
+    std::vector<MisbehaviourRule> misbehaviour; ///< beside those of the policy
     std::function<void(const std::wstring&)> log; ///< gets one line for each inspection and each oddity
+    std::function<void()> inspected;              ///< called after each inspection, once its answer is out
 };
 
 /// A data-protection agent's plug-in manager: publishes its port in the service's section and answers requests on the
@@ -85,8 +86,8 @@ public:
     void Misbehave(Misbehaviour kind, const std::wstring& method = {}, const std::wstring& words = {});
 
 private:
-    class Server;
-    std::unique_ptr<Server> server_;
+    class Impl;
+    std::unique_ptr<Impl> impl_;
 };
 
 } // namespace stand_ins

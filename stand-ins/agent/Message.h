@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace stand_ins {
+namespace stand_ins::agent {
 
 /// One entry of a message.
 struct MessageEntry {
@@ -38,4 +38,4 @@ std::string ToWire(std::wstring_view text);
 /// The text of bytes from the wire. An odd last byte is left out.
 std::wstring FromWire(std::string_view bytes);
 
-} // namespace stand_ins
+} // namespace stand_ins::agent

@@ -7,10 +7,14 @@
 #include <string_view>
 #include <vector>
 
+#include "stand-ins/agent/Misbehaviour.h"
+
 namespace stand_ins {
 
+namespace agent {
 struct Inspection;
 class Condition;
+} // namespace agent
 
 /// What replaces an attachment: the content of a file, or a text.
 struct Replacement {
@@ -34,7 +38,7 @@ struct Actions {
 /// A rule: the first one whose conditions all hold decides.
 struct Rule {
     std::wstring name;
-    std::vector<std::shared_ptr<const Condition>> conditions; ///< none: the rule always holds
+    std::vector<std::shared_ptr<const agent::Condition>> conditions; ///< none: the rule always holds
     Actions actions;
 };
 
@@ -64,13 +68,13 @@ public:
     std::int32_t ExecutionMode(const std::wstring& channel) const;
 
     /// What is to happen to an item.
-    Verdict Judge(const Inspection& inspection) const;
+    Verdict Judge(const agent::Inspection& inspection) const;
 
     std::map<std::wstring, std::int32_t> executionModes; ///< by channel; "*" is any other; neither: 1
     std::vector<std::wstring> channels;                  ///< those in force for an application
     bool directives = true;                              ///< whether a mail's own wishes are honoured
     std::vector<Rule> rules;
-    std::vector<std::wstring> misbehaviour; ///< as MisbehaviourRule::FromText reads them
+    std::vector<MisbehaviourRule> misbehaviour;          ///< in force with the policy
 };
 
 } // namespace stand_ins
