@@ -8,7 +8,9 @@
 namespace ATL {
 namespace {
 
-[[noreturn]] void Refuse_() { AtlThrow(DISP_E_EXCEPTION); }
+[[noreturn]] void Refuse_() {
+    AtlThrow(DISP_E_EXCEPTION);
+}
 
 struct Token_ {
     std::wstring text;

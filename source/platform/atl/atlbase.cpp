@@ -70,9 +70,13 @@ HRESULT AtlUnadvise(IUnknown* source, REFIID iid, DWORD cookie) noexcept {
     return FAILED(result) ? result : point->Unadvise(cookie);
 }
 
-void AtlSetPerUserRegistration(bool enable) noexcept { perUserRegistration_ = enable; }
+void AtlSetPerUserRegistration(bool enable) noexcept {
+    perUserRegistration_ = enable;
+}
 
-bool AtlGetPerUserRegistration() noexcept { return perUserRegistration_; }
+bool AtlGetPerUserRegistration() noexcept {
+    return perUserRegistration_;
+}
 
 std::wstring AtlModulePath(HINSTANCE module) {
     std::wstring path(MAX_PATH, L'\0');
@@ -127,8 +131,10 @@ HRESULT AtlUpdateRegistryFromResource(HINSTANCE module, UINT resource, bool enro
 }
 
 _ATL_OBJMAP_ENTRY::_ATL_OBJMAP_ENTRY(REFCLSID classId, _ATL_UPDATEREGISTRYFUNC* updateRegistry,
-                                     _ATL_CREATORFUNC* getClassObject, _ATL_CREATORFUNC* createInstance) noexcept
-    : clsid(classId), pfnUpdateRegistry(updateRegistry), pfnGetClassObject(getClassObject),
+                                     _ATL_CREATORFUNC* getClassObject, _ATL_CREATORFUNC* createInstance)
+    : clsid(classId),
+      pfnUpdateRegistry(updateRegistry),
+      pfnGetClassObject(getClassObject),
       pfnCreateInstance(createInstance) {
     _ATL_OBJMAP_ENTRY** end = &first;
     while (*end != nullptr) {

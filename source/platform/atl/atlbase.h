@@ -18,10 +18,14 @@ public:
     HRESULT m_hr;
 };
 
-[[noreturn]] inline void AtlThrow(HRESULT hr) { throw CAtlException(hr); }
+[[noreturn]] inline void AtlThrow(HRESULT hr) {
+    throw CAtlException(hr);
+}
 
 /// The failure of a Win32 call as an HRESULT; S_OK for ERROR_SUCCESS.
-inline HRESULT AtlHresultFromWin32(LSTATUS error) noexcept { return HRESULT_FROM_WIN32(static_cast<DWORD>(error)); }
+inline HRESULT AtlHresultFromWin32(LSTATUS error) noexcept {
+    return HRESULT_FROM_WIN32(static_cast<DWORD>(error));
+}
 
 /// Connects sink to source's connection point iid. Any of the chain's failures is the result.
 HRESULT AtlAdvise(IUnknown* source, IUnknown* sink, REFIID iid, DWORD* cookie) noexcept;
@@ -71,7 +75,7 @@ using _ATL_UPDATEREGISTRYFUNC = HRESULT(BOOL enroll) noexcept;
 class _ATL_OBJMAP_ENTRY {
 public:
     _ATL_OBJMAP_ENTRY(REFCLSID classId, _ATL_UPDATEREGISTRYFUNC* updateRegistry, _ATL_CREATORFUNC* getClassObject,
-                      _ATL_CREATORFUNC* createInstance) noexcept;
+                      _ATL_CREATORFUNC* createInstance);
     ~_ATL_OBJMAP_ENTRY();
     _ATL_OBJMAP_ENTRY(const _ATL_OBJMAP_ENTRY&) = delete;
     _ATL_OBJMAP_ENTRY& operator=(const _ATL_OBJMAP_ENTRY&) = delete;
@@ -86,9 +90,9 @@ public:
     inline static _ATL_OBJMAP_ENTRY* first = nullptr;
 };
 
-#define OBJECT_ENTRY_AUTO(clsid, class)                                               \
-    ATL::_ATL_OBJMAP_ENTRY __objMap_##class(clsid, class ::UpdateRegistry,            \
-                                            class ::_ClassFactoryCreatorClass::CreateInstance, \
+#define OBJECT_ENTRY_AUTO(clsid, class)                                                                                \
+    ATL::_ATL_OBJMAP_ENTRY __objMap_##class(clsid, class ::UpdateRegistry,                                             \
+                                            class ::_ClassFactoryCreatorClass::CreateInstance,                         \
                                             class ::_CreatorClass::CreateInstance);
 
 /// The count of everything that keeps the module loaded. One of a process part, from construction on.

@@ -16,6 +16,7 @@ struct _ATL_INTMAP_ENTRY {
     IUnknown* (*interfaceOf)(T& object);
 };
 
+// clang-format off
 #define BEGIN_COM_MAP(class)                                       \
 public:                                                            \
     HRESULT _InternalQueryInterface(REFIID iid, void** result) {   \
@@ -27,6 +28,7 @@ public:                                                            \
         };                                                          \
         return InternalQueryInterface(*this, entries, iid, result); \
     }
+// clang-format on
 
 /// The reference count and the interface look-up of a COM class; the count starts at 0.
 template <class ThreadModel>
@@ -144,7 +146,7 @@ struct CComCreator {
 class CComClassFactory : public IClassFactory, public CComObjectRootEx<CComMultiThreadModel> {
 public:
     BEGIN_COM_MAP(CComClassFactory)
-        COM_INTERFACE_ENTRY(IClassFactory)
+    COM_INTERFACE_ENTRY(IClassFactory)
     END_COM_MAP()
 
     void SetVoid(void* creator) noexcept { m_pfnCreateInstance = reinterpret_cast<_ATL_CREATORFUNC*>(creator); }
@@ -183,9 +185,9 @@ public:
 };
 
 /// The class registers itself with the registrar script of that resource.
-#define DECLARE_REGISTRY_RESOURCEID(id)                                                                           \
-    static HRESULT UpdateRegistry(BOOL enroll) noexcept {                                                         \
-        return ATL::AtlUpdateRegistryFromResource(ATL::_AtlBaseModule.GetModuleInstance(), id, enroll != FALSE); \
+#define DECLARE_REGISTRY_RESOURCEID(id)                                                                                \
+    static HRESULT UpdateRegistry(BOOL enroll) noexcept {                                                              \
+        return ATL::AtlUpdateRegistryFromResource(ATL::_AtlBaseModule.GetModuleInstance(), id, enroll != FALSE);       \
     }
 
 /// IDispatch of the dual interface T, answered from its registered type library. Where that is not
@@ -216,9 +218,9 @@ public:
                                      VARIANT* result, EXCEPINFO* failure, UINT* wrongArgument) override {
         TypeInfoPtr_ info;
         const HRESULT loaded = LoadTypeInfo_(locale, &info);
-        return FAILED(loaded) ? loaded
-                              : info->Invoke(static_cast<T*>(this), id, flags, parameters, result, failure,
-                                             wrongArgument);
+        return FAILED(loaded)
+                   ? loaded
+                   : info->Invoke(static_cast<T*>(this), id, flags, parameters, result, failure, wrongArgument);
     }
 
 protected:

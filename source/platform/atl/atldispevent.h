@@ -82,6 +82,7 @@ void CallEventHandler(T& target, const VARIANT* const* arguments) {
     Handler::Call(target, handler, arguments);
 }
 
+// clang-format off
 #define BEGIN_SINK_MAP(class)                                             \
 public:                                                                   \
     static const ATL::_ATL_EVENT_ENTRY<class>* _GetSinkMap() {            \
@@ -94,6 +95,7 @@ public:                                                                   \
             {0, nullptr, 0, nullptr, nullptr}}; \
         return entries;                         \
     }
+// clang-format on
 
 /// The sink with the number sinkId for the event interface iid, whose events the sink map of T names.
 /// What the event source sees is an object of its own that lives and dies with T.
@@ -146,12 +148,10 @@ private:
         ULONG STDMETHODCALLTYPE Release() override { return Target_().Release(); }
         HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
         HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-        HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
-            return E_NOTIMPL;
-        }
+        HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
         /// An event without an entry is none of the sink's business: S_OK.
-        HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* parameters, VARIANT*,
-                                         EXCEPINFO*, UINT*) override {
+        HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID, LCID, WORD, DISPPARAMS* parameters, VARIANT*, EXCEPINFO*,
+                                         UINT*) override {
             for (auto* entry = T::_GetSinkMap(); entry->piid != nullptr; ++entry) {
                 if (entry->nControlID == sinkId && entry->dispid == id && IsEqualIID(*entry->piid, *iid)) {
                     return parameters == nullptr ? DISP_E_BADPARAMCOUNT : Call_(*entry, *parameters);

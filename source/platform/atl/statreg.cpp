@@ -47,7 +47,9 @@ void SetValue_(HKEY key, const RegistryScript::Value& value) {
                           static_cast<DWORD>(value.data.size())));
 }
 
-void DeleteTree_(HKEY parent, const std::wstring& name) { CheckPresent_(RegDeleteTreeW(parent, name.c_str())); }
+void DeleteTree_(HKEY parent, const std::wstring& name) {
+    CheckPresent_(RegDeleteTreeW(parent, name.c_str()));
+}
 
 void Register_(HKEY parent, const RegistryScript::Key& script) {
     using enum RegistryScript::Handling;
@@ -159,7 +161,9 @@ HRESULT RunResource_(HINSTANCE module, UINT id, const wchar_t* type, Run run) no
 
 } // namespace
 
-void CRegObject::AddReplacement(const std::wstring& key, const std::wstring& item) { replacements_[key] = item; }
+void CRegObject::AddReplacement(const std::wstring& key, const std::wstring& item) {
+    replacements_[key] = item;
+}
 
 HRESULT CRegObject::StringRegister(std::wstring_view script) const noexcept {
     return Run_(script, replacements_, Register_);

@@ -10,12 +10,18 @@ OBJECT_ENTRY_AUTO(CLSID_Connect, CConnect)
 
 } // namespace vorlek
 
-STDAPI DllCanUnloadNow() { return _AtlModule.DllCanUnloadNow(); }
+STDAPI DllCanUnloadNow() {
+    return _AtlModule.DllCanUnloadNow();
+}
 
 STDAPI DllGetClassObject(REFCLSID classId, REFIID iid, void** object) {
     return _AtlModule.DllGetClassObject(classId, iid, object);
 }
 
-STDAPI DllRegisterServer() { return _AtlModule.DllRegisterServer(); }
+STDAPI DllRegisterServer() {
+    return _AtlModule.DllRegisterServer();
+}
 
-STDAPI DllUnregisterServer() { return _AtlModule.DllUnregisterServer(); }
+STDAPI DllUnregisterServer() {
+    return _AtlModule.DllUnregisterServer();
+}

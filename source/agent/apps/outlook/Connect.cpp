@@ -27,7 +27,9 @@ constexpr BorderPhrases kMailSendPhrases = {
 
 LoggerHolder CConnect::logger_;
 
-CConnect::CConnect() { InitLogger(logger_, "vorlek::CConnect::CConnect", false); }
+CConnect::CConnect() {
+    InitLogger(logger_, "vorlek::CConnect::CConnect", false);
+}
 
 CConnect::~CConnect() = default;
 

@@ -25,7 +25,9 @@ void GlobalConfig::SetOutlookApplication(const Outlook::_ApplicationPtr& applica
     outlookApplication_.pointer = application;
 }
 
-Outlook::_ApplicationPtr GlobalConfig::GetOutlookApplication() { return outlookApplication_.pointer; }
+Outlook::_ApplicationPtr GlobalConfig::GetOutlookApplication() {
+    return outlookApplication_.pointer;
+}
 
 std::int32_t GlobalConfig::SetOutlookMajorVersion(const std::wstring& version, const log4cxx::LoggerPtr& logger) {
     const std::size_t dot = version.find(L'.');
@@ -38,7 +40,9 @@ std::int32_t GlobalConfig::SetOutlookMajorVersion(const std::wstring& version, c
     return outlookMajorVersion;
 }
 
-std::int32_t GlobalConfig::GetOutlookMajorVersion() { return outlookMajorVersion; }
+std::int32_t GlobalConfig::GetOutlookMajorVersion() {
+    return outlookMajorVersion;
+}
 
 bool GlobalConfig::IsOutlookBefore2007() {
     return outlookMajorVersion >= 1 && outlookMajorVersion < OUTLOOK_2007_MAJOR_VERSION;
