@@ -1,6 +1,5 @@
 #include "tests/outlook/OutlookTest.h"
 
-#include <fstream>
 #include <stdexcept>
 
 #include "agent/apps/outlook/GlobalConfig.h"
@@ -25,18 +24,6 @@ stand_ins::Faults::Action ThrowException() {
 
 stand_ins::Faults::Action ThrowNumber() {
     return [](const stand_ins::Call&) -> std::optional<_variant_t> { throw 42; };
-}
-
-std::string ReadBytes(const std::wstring& path) {
-    std::ifstream file(std::filesystem::path(path), std::ios::binary);
-    if (!file) {
-        throw std::runtime_error("cannot open " + std::filesystem::path(path).string());
-    }
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-void WriteBytes(const std::wstring& path, const std::string& bytes) {
-    std::ofstream(std::filesystem::path(path), std::ios::binary) << bytes;
 }
 
 std::vector<std::wstring> ContextOf(const vorlek::CInspectorMessage& message) {

@@ -30,10 +30,7 @@ stand_ins::Faults::Action ThrowStandard(const std::string& what);
 stand_ins::Faults::Action ThrowException();
 stand_ins::Faults::Action ThrowNumber();
 
-std::string ReadBytes(const std::wstring& path);
-void WriteBytes(const std::wstring& path, const std::string& bytes);
-
-/// The nodes of a message, as "EmailTo=a@b.example" for each pair of the context, in order.
+/// The context of a message, as "EmailTo=a@b.example" for each pair in order.
 std::vector<std::wstring> ContextOf(const vorlek::CInspectorMessage& message);
 
 /// An Outlook of version 16 with an empty profile, its log, and an empty ledger.

@@ -1,11 +1,14 @@
 #include "agent/apps/outlook/CommonUtils.h"
 
+#include <atomic>
+#include <future>
 #include <regex>
 
 #include "foundation/EnvUtils.h"
 #include "foundation/Exception.h"
 #include "foundation/RegistryKey.h"
 #include "tests/outlook/OutlookTest.h"
+#include "tests/support/MessageBox.h"
 
 namespace vorlek {
 namespace {
@@ -205,39 +208,20 @@ TEST_F(CommonUtilsTest, AFailureGivesTheLockBackToOtherThreads) {
     EXPECT_TRUE(Unsent()->ValueExists(L"ID"));
 }
 
-/// What a message box of this thread said, closed as soon as it came up.
-struct SeenBox {
-    std::wstring caption;
-    std::wstring text;
-    int boxes = 0;
-};
-SeenBox seenBox;
-
-LRESULT CALLBACK CloseBox(int code, WPARAM window, LPARAM more) {
-    if (code == HCBT_ACTIVATE) {
-        wchar_t text[512];
-        const HWND box = reinterpret_cast<HWND>(window);
-        GetClassNameW(box, text, 512);
-        if (std::wstring(text) == L"#32770") {
-            ++seenBox.boxes;
-            GetWindowTextW(box, text, 512);
-            seenBox.caption = text;
-            GetDlgItemTextW(box, 0xFFFF, text, 512);
-            seenBox.text = text;
-            PostMessageW(box, WM_COMMAND, IDOK, 0);
-        }
-    }
-    return CallNextHookEx(nullptr, code, window, more);
-}
-
 TEST_F(CommonUtilsTest, TheUserIsToldOnceThatMailStayedBehind) {
-    seenBox = {};
-    const HHOOK hook = SetWindowsHookExW(WH_CBT, CloseBox, nullptr, GetCurrentThreadId());
+    std::atomic<bool> closed = false;
+    auto boxes = std::async(std::launch::async, [&] {
+        std::vector<test_support::ShownBox> seen;
+        while (const auto box = test_support::AnswerMessageBox(L"Microsoft Outlook", [&] { return closed.load(); })) {
+            seen.push_back(*box);
+        }
+        return seen;
+    });
     CommonUtils::ShowUnsentItemsWarning(logger);
-    UnhookWindowsHookEx(hook);
-    EXPECT_EQ(seenBox.boxes, 1);
-    EXPECT_EQ(seenBox.caption, L"Microsoft Outlook");
-    EXPECT_EQ(seenBox.text, L"One message or more could not be sent.\nPlease check your Drafts folder");
+    closed = true;
+    const auto seen = boxes.get();
+    ASSERT_EQ(seen.size(), 1u);
+    EXPECT_EQ(seen.front().text, L"One message or more could not be sent.\nPlease check your Drafts folder");
 }
 
 TEST_F(CommonUtilsTest, TemporaryPathsAreNewNamesInTheAddInsFolderWhichExists) {
