@@ -8,13 +8,16 @@
 #include "stand-ins/outlook/AddIns.h"
 #include "stand-ins/outlook/Com.h"
 #include "stand-ins/outlook/Dispatch.h"
+#include "stand-ins/outlook/ExplorerWindow.h"
 #include "stand-ins/outlook/Faults.h"
 #include "stand-ins/outlook/ItemData.h"
 #include "stand-ins/outlook/Options.h"
+#include "stand-ins/outlook/ProfileLock.h"
 #include "stand-ins/outlook/Recorder.h"
 
 namespace stand_ins {
 
+class ItemRecord;
 class Session;
 
 /// What became of a send.
@@ -23,7 +26,8 @@ struct SendResult {
     Outcome outcome = Outcome::Failed;
     HRESULT error = S_OK;    ///< of a failure
     std::wstring reason;     ///< of a failure, in words
-    std::wstring entryId;    ///< of the item where it lies now; empty when nothing was saved
+    std::wstring entryId;    ///< of the item if it did not leave; empty when it was never saved
+    std::shared_ptr<const ItemRecord> item;
 };
 
 /// An Outlook of one thread: the one that constructs it, which enters a single-threaded apartment for as long as the
@@ -50,7 +54,8 @@ public:
     /// An item saved in a folder of the default store, by the folder's name.
     DispatchPtr SavedItem(ItemData data, const std::wstring& folder = L"Drafts");
 
-    /// The user opens the item and presses Send: ItemSend is raised, Cancel obeyed.
+    /// The user opens the item and presses Send: ItemSend is raised, Cancel obeyed. A stopped item is saved and stays
+    /// on the screen, unless somebody closed it meanwhile. Failure: std::invalid_argument for what is no item.
     SendResult Send(const DispatchPtr& item);
     /// Raises ItemSend alone, with any object or none; the result is Cancel.
     bool RaiseItemSend(IDispatch* item, bool cancel = false);
@@ -65,6 +70,8 @@ public:
     /// Whether an inspector shows the item with this EntryID.
     bool IsOpen(const std::wstring& entryId) const;
     size_t OpenInspectors() const;
+    /// Whether the item of a send that was stopped has left after all: somebody sent it himself later.
+    static bool HasLeft(const SendResult& result);
 
     /// The explorer's window; null when it is missing.
     HWND ExplorerWindow() const;
@@ -82,11 +89,13 @@ public:
     const std::wstring& Caption() const;
 
 private:
-    struct Window_;
+    struct Apartment_;
 
+    std::unique_ptr<Apartment_> apartment_; ///< first in, last out: everything below calls COM
+    std::unique_ptr<ProfileLock> lock_;
     std::shared_ptr<Session> session_;
+    std::unique_ptr<stand_ins::ExplorerWindow> window_;
     DispatchPtr application_;
-    std::unique_ptr<Window_> window_;
     AddIns addIns_;
 };
 

@@ -11,7 +11,8 @@ namespace stand_ins {
 /// One call of a member of the object model.
 struct Call {
     std::wstring member;                ///< "MailItem.Subject get", "MailItem.Subject put", "MailItem.Send"
-    std::vector<_variant_t> arguments;  ///< in the order in which they are written, missing ones as VT_ERROR
+    std::vector<_variant_t> arguments;  ///< in the order in which they are written, missing ones as VT_ERROR; what is
+                                        ///< kept of an object is the text <object> or <nothing>, to hold none alive
     DWORD thread = 0;
 
     /// The member with its arguments, one line: `MailItem.Close(0)`. Long texts are cut.
@@ -23,6 +24,8 @@ class Recorder {
 public:
     void Add(Call call);
     void Clear();
+    /// Off: nothing is kept, so that ten thousand sends leave no trace.
+    void Enable(bool enabled);
 
     std::vector<Call> All() const;
     /// The members alone: what a test of an order compares.
@@ -35,6 +38,7 @@ public:
 private:
     mutable std::mutex lock_;
     std::vector<Call> calls_;
+    bool enabled_ = true;
 };
 
 /// Whether a recorded member answers to a name with or without its kind.
