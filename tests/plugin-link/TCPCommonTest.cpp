@@ -78,10 +78,8 @@ TEST(TCPCommon, TellsAnyOtherErrorByItsNumber) {
     std::vector<BYTE> data = kHello;
     const auto sending = Thrown<vorlek::Exception>([&] { TCPCommon::Send(unconnected, data); });
     EXPECT_EQ(sending.GetMessage(), L"send failed with: 10057");
-    EXPECT_EQ(sending.GetExceptionName(), L"Exception");
     const auto receiving = Thrown<vorlek::Exception>([&] { TCPCommon::Recv(unconnected, data); });
     EXPECT_EQ(receiving.GetMessage(), L"recv failed with: 10057");
-    EXPECT_EQ(receiving.GetExceptionName(), L"Exception");
 }
 
 TEST(TCPCommon, ReportsAPeerThatClosedLikeABrokenConnection) {
