@@ -1,11 +1,11 @@
 #pragma once
-#include <comutil.h>
-
 #include <cstddef>
 #include <string>
 #include <vector>
 
 #include "platform/Windows.h"
+
+#include <comutil.h>
 
 namespace vorlek {
 

@@ -1,9 +1,9 @@
 #pragma once
-#include <objidl.h>
-
 #include <iosfwd>
 
 #include "platform/Windows.h"
+
+#include <objidl.h>
 
 namespace vorlek {
 

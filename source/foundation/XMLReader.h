@@ -1,11 +1,13 @@
 #pragma once
-#include <comdef.h>
-#include <xmllite.h>
-
 #include <iosfwd>
 #include <map>
 #include <memory>
 #include <string>
+
+#include "platform/Windows.h"
+
+#include <comdef.h>
+#include <xmllite.h>
 
 #include "foundation/CriticalSection.h"
 #include "foundation/XMLNode.h"
@@ -26,6 +28,10 @@ public:
 
     /// The attributes of the element just read, by local name; defaulted ones are left out.
     std::map<std::wstring, std::wstring> ReadAttributes();
+
+    /// Where in the input the reader stands, for words about what is wrong there.
+    UINT GetLineNumber();
+    UINT GetLinePosition();
 
 private:
     _com_ptr_t<_com_IIID<IXmlReader, &__uuidof(IXmlReader)>> reader_;

@@ -1,11 +1,13 @@
 #pragma once
-#include <comdef.h>
-#include <xmllite.h>
-
 #include <cstdint>
 #include <iosfwd>
 #include <map>
 #include <string>
+
+#include "platform/Windows.h"
+
+#include <comdef.h>
+#include <xmllite.h>
 
 #include "foundation/CriticalSection.h"
 #include "foundation/XMLNode.h"

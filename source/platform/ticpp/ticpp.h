@@ -60,6 +60,9 @@ protected:
     TiXmlNode& Get_() const;
 
 private:
+    friend class Iterator;
+    TiXmlElement* FirstChildElement_(const std::string& name) const;
+
     std::unique_ptr<TiXmlNode> made_; // while it is linked nowhere
     TiXmlNode* node_;
 };
@@ -122,7 +125,6 @@ public:
     bool operator==(const Iterator& other) const { return current_ == other.current_; }
 
 private:
-    friend class Node;
     TiXmlElement* current_ = nullptr;
     std::string name_;
 };
