@@ -6,8 +6,8 @@
 namespace vorlek {
 
 /// Owner of one system handle. Invalid: the value that stands for none. Close: the function that
-/// gives a handle back. For pointer types null is never valid either, since half of the system's
-/// functions fail with null where the other half fails with -1.
+/// gives a handle back. Null or 0 is never valid either, since half of the system's functions fail
+/// with null where the other half fails with -1.
 template <class H, INT_PTR Invalid, auto Close>
 class AutoHandle {
 public:
@@ -28,13 +28,7 @@ public:
 
     H Get() const { return handle_; }
 
-    bool IsValid() const {
-        if constexpr (std::is_pointer_v<H>) {
-            return handle_ != nullptr && handle_ != InvalidHandle_();
-        } else {
-            return handle_ != InvalidHandle_();
-        }
-    }
+    bool IsValid() const { return handle_ != H{} && handle_ != InvalidHandle_(); }
 
 private:
     static H InvalidHandle_() {

@@ -79,4 +79,19 @@ std::map<std::wstring, std::wstring> XMLReader::ReadAttributes() {
     return attributes;
 }
 
+UINT XMLReader::GetLineNumber() {
+    const Lock lock(lock_);
+    UINT line = 0;
+    Check_(reader_->GetLineNumber(&line), L"vorlek::XMLReader::GetLineNumber", L"GetLineNumber failed with: ");
+    return line;
+}
+
+UINT XMLReader::GetLinePosition() {
+    const Lock lock(lock_);
+    UINT position = 0;
+    Check_(reader_->GetLinePosition(&position), L"vorlek::XMLReader::GetLinePosition",
+           L"GetLinePosition failed with: ");
+    return position;
+}
+
 } // namespace vorlek

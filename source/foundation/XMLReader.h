@@ -29,6 +29,10 @@ public:
     /// The attributes of the element just read, by local name; defaulted ones are left out.
     std::map<std::wstring, std::wstring> ReadAttributes();
 
+    /// Where in the input the reader stands, for words about what is wrong there.
+    UINT GetLineNumber();
+    UINT GetLinePosition();
+
 private:
     _com_ptr_t<_com_IIID<IXmlReader, &__uuidof(IXmlReader)>> reader_;
     _com_ptr_t<_com_IIID<ISequentialStream, &__uuidof(ISequentialStream)>> stream_;

@@ -1,0 +1,51 @@
+#pragma once
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "platform/Windows.h"
+#include "stand-ins/agent/Connection.h"
+#include "stand-ins/agent/Monitor.h"
+
+namespace stand_ins::agent {
+
+/// Accepts connections on the loopback address and serves each on a thread of its own. The threads take turns at
+/// waiting for the next connection, so that an exchange costs no new thread unless all are busy.
+class Server {
+public:
+    /// Port 0: any free one. `serve` is called by several threads at once and must not throw.
+    /// Throws std::runtime_error if the port is taken.
+    Server(std::uint16_t port, std::function<void(Connection&)> serve);
+    ~Server();
+    Server(const Server&) = delete;
+    Server& operator=(const Server&) = delete;
+
+    std::uint16_t Port() const;
+
+    /// Lets connections in from now on.
+    void Listen();
+
+    /// Keeps the port, but refuses connections from now on.
+    void Refuse();
+
+private:
+    static DWORD WINAPI Thread_(void* server);
+    void StartThread_();
+    void Run_();
+    SOCKET Accept_();
+    void Bind_(std::uint16_t port);
+
+    std::function<void(Connection&)> serve_;
+    mutable Monitor monitor_;
+    HANDLE stop_;
+    HANDLE arrival_;
+    SOCKET listener_ = INVALID_SOCKET;
+    std::uint16_t port_ = 0;
+    bool isListening_ = false;
+    bool isStopping_ = false;
+    std::size_t waiting_ = 0; ///< threads between connections
+    std::vector<HANDLE> threads_;
+};
+
+} // namespace stand_ins::agent

@@ -1,0 +1,106 @@
+#include "stand-ins/agent/Service.h"
+
+#include <exception>
+#include <utility>
+
+#include "stand-ins/agent/Decision.h"
+#include "stand-ins/agent/Inspection.h"
+#include "stand-ins/agent/Text.h"
+
+namespace stand_ins::agent {
+namespace {
+
+/// The answer to "StartAppMgrIdentifyChannels": these channels are watched, launches and files are not.
+std::wstring ChannelsText_(const Policy& policy) {
+    std::wstring text = L"<DataAccessChannelsMessage><channels>";
+    for (const std::wstring& channel : policy.channels) {
+        text += L"<channel>" + Escape(channel) + L"</channel>";
+    }
+    return text + L"</channels><ApplicationLaunch inspect=\"False\" /></DataAccessChannelsMessage>";
+}
+
+std::wstring Summary_(const Inspection& inspection, const std::wstring& what, const std::wstring& why) {
+    return inspection.channel + L" \"" + inspection.subject + L"\": " + what + L" (" + why + L")";
+}
+
+} // namespace
+
+Service::Service(std::wstring workFolder, std::wstring recordFolder, std::function<void(const std::wstring&)> log)
+    : workFolder_(std::move(workFolder)), recordFolder_(std::move(recordFolder)), log_(std::move(log)) {
+    if (!recordFolder_.empty()) {
+        MakeFolder(recordFolder_);
+    }
+}
+
+Answer Service::Handle(const Request& request, const Policy& policy, const Pause& pause) {
+    try {
+        if (request.plugin == L"DataControlPlugin") {
+            if (request.method == L"GetExecutionMode") {
+                return Answer::Number(policy.ExecutionMode(request.param));
+            }
+            if (request.method == L"Inspect") {
+                return Inspect_(request, policy, pause);
+            }
+            if (request.method == L"BeginInspect") {
+                return BeginInspect_(request, policy);
+            }
+        } else if (request.plugin == L"ApplicationControlPlugin") {
+            if (request.method == L"HandleAppLaunchFileAccess" || request.method == L"ProcessExit") {
+                return Answer::Number(0);
+            }
+            if (request.method == L"StartAppMgrIdentifyChannels") {
+                return Answer::Text(ChannelsText_(policy));
+            }
+        } else {
+            return Answer::Error(L"There is no plug-in \"" + request.plugin + L"\".");
+        }
+        return Answer::Error(L"The plug-in \"" + request.plugin + L"\" has no method \"" + request.method + L"\".");
+    } catch (const std::exception& failure) {
+        Log_(request.method + L" failed: " + FromUtf8(failure.what()));
+        return Answer::Error(FromUtf8(failure.what()));
+    }
+}
+
+Answer Service::Inspect_(const Request& request, const Policy& policy, const Pause& pause) {
+    const Inspection inspection = Inspection::FromXml(request.param);
+    const Verdict verdict = policy.Judge(inspection);
+    Decision decision = MakeDecision(inspection, verdict.actions, workFolder_);
+    Answer answer = Answer::Text(decision.xml);
+    answer.files = std::move(decision.files);
+    if (verdict.actions.delay != 0 && !pause(verdict.actions.delay)) {
+        RemoveFiles(answer.files);
+        return Answer::Error(L"The agent ends.");
+    }
+    Record_(request.param, decision.xml);
+    Log_(Summary_(inspection, decision.summary, verdict.why));
+    return answer;
+}
+
+/// Nobody awaits this answer: it carries the verdict, and no files that nobody would remove.
+Answer Service::BeginInspect_(const Request& request, const Policy& policy) {
+    const Inspection inspection = Inspection::FromXml(request.param);
+    const Verdict verdict = policy.Judge(inspection);
+    const std::wstring decision = VerdictText(verdict.actions.block);
+    Record_(request.param, decision);
+    Log_(Summary_(inspection, verdict.actions.block ? L"would be blocked" : L"would be allowed", verdict.why));
+    return Answer::Text(decision);
+}
+
+void Service::Record_(const std::wstring& document, const std::wstring& decision) {
+    if (recordFolder_.empty()) {
+        return;
+    }
+    std::wstring number = std::to_wstring(++recorded_);
+    number.insert(0, 4 - std::min<std::size_t>(number.size(), 4), L'0');
+    const std::wstring stem = recordFolder_ + L"\\" + number;
+    WriteWholeFile(stem + L"-inspector.xml", Indented(document));
+    WriteWholeFile(stem + L"-decision.xml", ToUtf8(decision) + "\n");
+}
+
+void Service::Log_(const std::wstring& line) const {
+    if (log_) {
+        log_(line);
+    }
+}
+
+} // namespace stand_ins::agent
