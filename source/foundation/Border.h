@@ -1,6 +1,7 @@
 #pragma once
-#include <comdef.h>
+#include "platform/Windows.h" // before <comdef.h>, which would bring an older Winsock
 
+#include <comdef.h>
 #include <exception>
 #include <utility>
 
@@ -20,16 +21,17 @@ struct Phrase {
 /// What a border says for each kind of failure, in the order in which the kinds are tried. A failure
 /// without a phrase of its own takes that of `other`; without that one either, it passes.
 struct BorderPhrases {
-    Phrase exception;    ///< vorlek::Exception, with its ToString
-    Phrase comError;     ///< _com_error, with its ErrorMessage
-    Phrase stdException; ///< std::exception, with its what
-    Phrase other;        ///< everything else, with no text of its own
+    Phrase exception = {};    ///< vorlek::Exception, with its ToString
+    Phrase comError = {};     ///< _com_error, with its ErrorMessage
+    Phrase stdException = {}; ///< std::exception, with its what
+    Phrase other = {};        ///< everything else, with no text of its own
 };
 
 namespace border {
 
 void Report(const log4cxx::LoggerPtr& logger, const log4cxx::LevelPtr& level, const Phrase& phrase,
             const log4cxx::spi::LocationInfo& site, const wchar_t* text);
+/// text: UTF-8, as the standard library and the XML layer speak.
 void Report(const log4cxx::LoggerPtr& logger, const log4cxx::LevelPtr& level, const Phrase& phrase,
             const log4cxx::spi::LocationInfo& site, const char* text);
 

@@ -31,7 +31,7 @@ private:
 template <class Failure = Exception, class... Parts>
 [[noreturn]] void Throw(ThrowSite site, const Parts&... parts) {
     std::wostringstream words;
-    (words << ... << parts);
+    static_cast<void>((words << ... << parts)); // no parts, no words
     throw Failure(site.File(), site.Line(), site.Location(), std::move(words).str());
 }
 

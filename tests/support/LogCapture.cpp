@@ -13,12 +13,6 @@ namespace test_support {
 
 class LogCapture::Appender_ : public log4cxx::AppenderSkeleton {
 public:
-    DECLARE_LOG4CXX_OBJECT(Appender_)
-    BEGIN_LOG4CXX_CAST_MAP()
-    LOG4CXX_CAST_ENTRY(Appender_)
-    LOG4CXX_CAST_ENTRY_CHAIN(AppenderSkeleton)
-    END_LOG4CXX_CAST_MAP()
-
     void close() override {}
     bool requiresLayout() const override { return false; }
     void append(const log4cxx::spi::LoggingEventPtr& event, log4cxx::helpers::Pool&) override {
@@ -29,8 +23,6 @@ public:
     mutable vorlek::CriticalSection section;
     std::vector<LogLine> lines;
 };
-
-IMPLEMENT_LOG4CXX_OBJECT(LogCapture::Appender_)
 
 LogCapture::LogCapture() : appender_(std::make_shared<Appender_>()) {
     const log4cxx::LoggerPtr root = log4cxx::Logger::getRootLogger();

@@ -1,0 +1,265 @@
+#include "foundation/ConversionsUtils.h"
+
+#include <sddl.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <new>
+#include <source_location>
+#include <stdexcept>
+
+#include "foundation/Exception.h"
+#include "foundation/Log4CxxHelper.h"
+#include "foundation/Throw.h"
+
+namespace vorlek {
+
+namespace {
+
+constexpr std::uint32_t kLegacyCategory = 0x100000;
+constexpr int kLegacyError = 1;
+constexpr int kLegacyInfo = 3;
+
+constexpr wchar_t kAlphabet[] = L"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+constexpr std::size_t kGroupsPerLine = 19;
+
+// The value of each character, -1 for those outside the alphabet.
+constexpr std::array<std::int32_t, 128> kSextets = [] {
+    std::array<std::int32_t, 128> sextets;
+    sextets.fill(-1);
+    for (std::int32_t value = 0; value < 64; ++value) {
+        sextets[kAlphabet[value]] = value;
+    }
+    return sextets;
+}();
+
+struct LocalDeleter {
+    void operator()(void* memory) const { LocalFree(memory); }
+};
+
+void LogError_(const char* format, const char* function,
+               std::source_location site = std::source_location::current()) {
+    LogLegacy(kLegacyCategory, kLegacyError, format, site.file_name(), function, static_cast<int>(site.line()),
+              function);
+}
+
+wchar_t* EncodeGroups_(const BYTE* data, std::size_t groups, wchar_t* text) {
+    for (; groups != 0; --groups, data += 3) {
+        const std::uint32_t bits = static_cast<std::uint32_t>(data[0]) << 16 | data[1] << 8 | data[2];
+        *text++ = kAlphabet[bits >> 18];
+        *text++ = kAlphabet[bits >> 12 & 63];
+        *text++ = kAlphabet[bits >> 6 & 63];
+        *text++ = kAlphabet[bits & 63];
+    }
+    return text;
+}
+
+std::int32_t Sextet_(wchar_t character) {
+    return character < kSextets.size() ? kSextets[character] : -1;
+}
+
+/// size: in, the room; out, the bytes written. False when the room does not suffice.
+bool Decode_(const wchar_t* next, const wchar_t* end, BYTE* decoded, std::size_t& size) {
+    const std::size_t room = size;
+    size = 0;
+    while (next != end) {
+        std::int32_t bits = -1;
+        std::size_t sextets = 0;
+        if (end - next >= 4) { // four clean characters, as nearly all are; one outside the alphabet makes it negative
+            bits = Sextet_(next[0]) << 18 | Sextet_(next[1]) << 12 | Sextet_(next[2]) << 6 | Sextet_(next[3]);
+        }
+        if (bits >= 0) {
+            sextets = 4;
+            next += 4;
+        } else {
+            for (bits = 0; sextets < 4 && next != end; ++next) {
+                if (const std::int32_t sextet = Sextet_(*next); sextet >= 0) {
+                    bits = bits << 6 | sextet;
+                    ++sextets;
+                }
+            }
+            bits <<= 6 * (4 - sextets);
+        }
+        const std::size_t bytes = sextets * 6 / 8;
+        if (room - size < bytes) {
+            return false;
+        }
+        for (std::size_t i = 0; i < bytes; ++i) {
+            decoded[size++] = static_cast<BYTE>(bits >> (16 - 8 * i));
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+std::wstring ConversionsUtils::Base64EncodeData(const BYTE* data, std::size_t length) {
+    if (data == nullptr) {
+        LogError_("(%s)ERROR: NULL pointer to function DataBase64", "ConversionsUtils::Base64EncodeData");
+        Throw<ArgumentNullException>(L"vorlek::ConversionsUtils::Base64EncodeData",
+                                     L"NULL pointer to function DataBase64");
+    }
+    if (length == 0) {
+        LogError_("(%s)ERROR: 0 length to function. exit !!!", "ConversionsUtils::Base64EncodeData");
+        return {};
+    }
+    const std::size_t lines = length / 3 / kGroupsPerLine;
+    std::wstring text((length + 2) / 3 * 4 + lines * 2, L'\0');
+    wchar_t* next = text.data();
+    for (std::size_t line = 0; line < lines; ++line, data += 3 * kGroupsPerLine) {
+        next = EncodeGroups_(data, kGroupsPerLine, next);
+        *next++ = L'\r';
+        *next++ = L'\n';
+    }
+    const std::size_t groups = length / 3 % kGroupsPerLine;
+    next = EncodeGroups_(data, groups, next);
+    if (const std::size_t rest = length % 3; rest != 0) {
+        BYTE last[3] = {};
+        std::copy_n(data + 3 * groups, rest, last);
+        next = EncodeGroups_(last, 1, next);
+        std::fill(next - (3 - rest), next, L'=');
+    }
+    return text;
+}
+
+void ConversionsUtils::Base64EncodeData(const BYTE* data, std::size_t length, _bstr_t& text) {
+    text = Base64EncodeData(data, length).c_str();
+}
+
+void ConversionsUtils::Base64DecodeData(const wchar_t* text, std::size_t length, BYTE* decoded,
+                                        std::size_t* decodedLength) {
+    if (text == nullptr) {
+        LogError_("(%s)ERROR: NULL input pointer to function Base64DecodeData", "ConversionsUtils::Base64DecodeData");
+        Throw<ArgumentNullException>(L"vorlek::ConversionsUtils::Base64DecodeData",
+                                     L"NULL input pointer to function Base64DecodeData");
+    }
+    if (length == 0) {
+        LogError_("(%s)ERROR: 0 input length to Base64DecodeData function. exit !!!",
+                  "ConversionsUtils::Base64DecodeData");
+        return;
+    }
+    if (decoded == nullptr) {
+        Throw<ArgumentNullException>(L"vorlek::ConversionsUtils::Base64DecodeData",
+                                     L"output decoded buffer (pDecodedBuffer) hasn't been allocated.");
+    }
+    if (decodedLength == nullptr) {
+        Throw<ArgumentNullException>(L"vorlek::ConversionsUtils::Base64DecodeData", L"null output len pointer");
+    }
+    if (*decodedLength == 0) {
+        LogError_("(%s)ERROR: 0 output length to Base64DecodeData function. exit !!!",
+                  "ConversionsUtils::Base64DecodeData");
+        return;
+    }
+    if (!Decode_(text, text + length, decoded, *decodedLength)) {
+        Throw<ArgumentException>(L"vorlek::ConversionsUtils::Base64DecodeData",
+                                 L"invalid parameter was passed to Decoding method");
+    }
+}
+
+void ConversionsUtils::Base64DecodeData(const wchar_t* text, std::size_t length, std::vector<BYTE>& decoded) {
+    std::vector<BYTE> buffer;
+    try {
+        buffer.resize(length);
+    } catch (const std::exception&) { // out of memory, or more than a vector can ever hold
+        Throw<AllocationFailureException>(L"vorlek::ConversionsUtils::Base64DecodeData",
+                                          L"no sufficient resources to allocate memory. requested ", length, L" bytes");
+    }
+    std::size_t size = length;
+    Base64DecodeData(text, length, buffer.data(), &size);
+    buffer.resize(size);
+    decoded = std::move(buffer);
+}
+
+void ConversionsUtils::SwapInPlace(BYTE* data, std::size_t length) {
+    if (data == nullptr) {
+        LogError_("(%s)ERROR: NULL pointer to function SwapInPlace", "ConversionsUtils::SwapInPlace");
+        Throw<ArgumentNullException>(L"vorlek::ConversionsUtils::SwapInPlace", L"NULL pointer to function SwapInPlace");
+    }
+    if (length == 0) {
+        LogError_("(%s)ERROR: 0 length to function. exit !!!", "ConversionsUtils::SwapInPlace");
+        return;
+    }
+    std::reverse(data, data + length);
+}
+
+bool ConversionsUtils::HexStringToData(const std::string& digits, BYTE* data, std::size_t size) {
+    if (digits.empty() || digits.size() % 2 != 0 || size < digits.size() / 2) {
+        return false;
+    }
+    if (data == nullptr) {
+        Throw<ArgumentNullException>(L"vorlek::ConversionsUtils::HexStringToData",
+                                     L"NULL pointer to function HexStringToData");
+    }
+    for (std::size_t i = 0; i < digits.size(); i += 2) {
+        unsigned int value = 0;
+        if (sscanf_s(digits.substr(i, 2).c_str(), "%x", &value) != 1) {
+            return false;
+        }
+        *data++ = static_cast<BYTE>(value);
+    }
+    return true;
+}
+
+std::wstring ConversionsUtils::SidToString(PSID sid) {
+    wchar_t* text = nullptr;
+    if (!ConvertSidToStringSidW(sid, &text)) {
+        const DWORD error = GetLastError();
+        Throw(L"vorlek::ConversionsUtils::SidToString", L"ConvertSidToStringSid failed with error ", error);
+    }
+    const std::unique_ptr<wchar_t, LocalDeleter> owner(text);
+    return text;
+}
+
+namespace {
+
+std::wstring LookUpSid_(const std::wstring& userName) {
+    if (userName.empty()) {
+        Throw<ArgumentException>(L"vorlek::ConversionsUtils::UserStringToSID", L"User name is empty");
+    }
+    DWORD sidSize = 0;
+    DWORD domainLength = 0;
+    SID_NAME_USE use = SidTypeUnknown;
+    LookupAccountNameW(nullptr, userName.c_str(), nullptr, &sidSize, nullptr, &domainLength, &use);
+    LogLegacy(kLegacyCategory, kLegacyInfo, "(%s) LookupAccountName for name %S, size is %d, \n", __FILE__,
+              "ConversionsUtils::UserStringToSID", __LINE__, "ConversionsUtils::UserStringToSID", userName.c_str(),
+              sidSize);
+    const std::unique_ptr<void, LocalDeleter> sid(LocalAlloc(LPTR, sidSize));
+    if (!sid) {
+        const DWORD error = GetLastError();
+        Throw<ArgumentException>(L"vorlek::ConversionsUtils::UserStringToSID",
+                                 L"Failed allocating memory for SID. Last error is ", error);
+    }
+    std::wstring domain(domainLength, L'\0');
+    if (!LookupAccountNameW(nullptr, userName.c_str(), sid.get(), &sidSize, domain.data(), &domainLength, &use)) {
+        const DWORD error = GetLastError();
+        Throw<ArgumentException>(L"vorlek::ConversionsUtils::UserStringToSID",
+                                 L"LookupAccountName Failed. Last error is ", error);
+    }
+    wchar_t* text = nullptr;
+    if (!ConvertSidToStringSidW(sid.get(), &text)) {
+        const DWORD error = GetLastError();
+        Throw<ArgumentException>(L"vorlek::ConversionsUtils::UserStringToSID",
+                                 L"ConvertSidToStringSid Failed. Last error is ", error);
+    }
+    const std::unique_ptr<wchar_t, LocalDeleter> owner(text);
+    LogLegacy(kLegacyCategory, kLegacyInfo, "(%s) StringSid is %S\n", __FILE__, "ConversionsUtils::UserStringToSID",
+              __LINE__, "ConversionsUtils::UserStringToSID", text);
+    return text;
+}
+
+} // namespace
+
+std::wstring ConversionsUtils::UserStringToSID(const std::wstring& userName) {
+    try {
+        return LookUpSid_(userName);
+    } catch (const Exception& failure) {
+        LogLegacy(kLegacyCategory, kLegacyError, "(%s) Exception: %S\n", __FILE__, "ConversionsUtils::UserStringToSID",
+                  __LINE__, "ConversionsUtils::UserStringToSID", failure.ToString().c_str());
+        throw;
+    }
+}
+
+} // namespace vorlek

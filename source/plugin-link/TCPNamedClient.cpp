@@ -1,0 +1,10 @@
+#include "plugin-link/TCPNamedClient.h"
+
+#include "plugin-link/ServicePort.h"
+
+namespace vorlek {
+
+TCPNamedClient::TCPNamedClient(const std::wstring& host, const std::wstring& serviceName)
+    : TCPClient(host, ServicePort::Read(serviceName)) {}
+
+} // namespace vorlek

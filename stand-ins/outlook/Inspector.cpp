@@ -1,0 +1,45 @@
+#include "stand-ins/outlook/Inspector.h"
+
+#include "stand-ins/outlook/Interfaces.h"
+#include "stand-ins/outlook/Item.h"
+#include "stand-ins/outlook/Session.h"
+
+namespace stand_ins {
+namespace {
+
+std::wstring Caption(const ItemData& item) {
+    const wchar_t* format = item.bodyFormat == Html ? L"HTML" : item.bodyFormat == RichText ? L"Rich Text" : L"Plain Text";
+    return (item.subject.empty() ? L"Untitled" : item.subject) + L" - Message (" + format + L") ";
+}
+
+const Class& InspectorClass() {
+    static const Class members =
+        ClassOf<Inspector>(L"Inspector", kInspectorId)
+            .Get(L"IsWordMail", [](Inspector&) { return _variant_t(true); })
+            .Get(L"Caption",
+                 [](Inspector& self) {
+                     self.Record()->CheckAlive();
+                     return TextValue(Caption(self.Record()->data));
+                 })
+            .Get(L"CurrentItem",
+                 [](Inspector& self) {
+                     self.Record()->CheckAlive();
+                     return ObjectValue(self.Owner().Show(self.Record()));
+                 })
+            .Call(L"Close", 1, 1,
+                  [](Inspector& self, const Arguments& a) {
+                      CloseItem(self.Owner(), self.Record(), a.Number(0));
+                  })
+            .Call(L"Display", 0, 1, [](Inspector& self, const Arguments&) {
+                self.Record()->CheckAlive();
+                self.Owner().OpenInspector(self.Record());
+            });
+    return members;
+}
+
+} // namespace
+
+Inspector::Inspector(std::shared_ptr<Session> session, std::shared_ptr<ItemRecord> record)
+    : Object(std::move(session), InspectorClass()), record_(std::move(record)) {}
+
+} // namespace stand_ins

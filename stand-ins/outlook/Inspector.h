@@ -1,0 +1,20 @@
+#pragma once
+#include <memory>
+
+#include "stand-ins/outlook/ItemRecord.h"
+#include "stand-ins/outlook/Object.h"
+
+namespace stand_ins {
+
+/// The window of an item, shown or not. Its editor is Word, as in every Outlook since 2007.
+class Inspector : public Object {
+public:
+    Inspector(std::shared_ptr<Session> session, std::shared_ptr<ItemRecord> record);
+
+    const std::shared_ptr<ItemRecord>& Record() const { return record_; }
+
+private:
+    std::shared_ptr<ItemRecord> record_;
+};
+
+} // namespace stand_ins

@@ -1,0 +1,173 @@
+#include "stand-ins/outlook/Outlook.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "stand-ins/outlook/Failure.h"
+#include "stand-ins/outlook/Item.h"
+#include "stand-ins/outlook/Session.h"
+
+namespace stand_ins {
+
+namespace {
+
+FolderPath PathOf(const std::wstring& folder) {
+    return folder.find(L'\\') == std::wstring::npos ? FolderPath(kDefaultStore) / folder : FolderPath(folder);
+}
+
+} // namespace
+
+struct Outlook::Apartment_ {
+    Apartment_() {
+        if (FAILED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {
+            throw std::runtime_error("this thread cannot be a single-threaded apartment");
+        }
+    }
+    ~Apartment_() { CoUninitialize(); }
+};
+
+Outlook::Outlook(OutlookOptions options)
+    : apartment_(std::make_unique<Apartment_>()), lock_(std::make_unique<ProfileLock>(options.profile)),
+      session_(std::make_shared<Session>(std::move(options))) {
+    if (session_->options.explorer != ExplorerState::Missing) {
+        window_ = std::make_unique<stand_ins::ExplorerWindow>(session_->caption,
+                                                   session_->options.explorer == ExplorerState::Shown);
+    }
+    application_ = session_->Root();
+}
+
+Outlook::~Outlook() {
+    session_->End();
+}
+
+DispatchPtr Outlook::Application() const {
+    return application_;
+}
+
+DispatchPtr Outlook::NewItem(ItemData data) {
+    data.entryId.clear();
+    return session_->Show(std::make_shared<ItemRecord>(std::move(data), Store::DefaultFolderPath(Drafts)));
+}
+
+DispatchPtr Outlook::NewMail(ItemData data) {
+    data.kind = ItemKind::Mail;
+    return NewItem(std::move(data));
+}
+
+DispatchPtr Outlook::NewPost(ItemData data) {
+    data.kind = ItemKind::Post;
+    return NewItem(std::move(data));
+}
+
+DispatchPtr Outlook::SavedItem(ItemData data, const std::wstring& folder) {
+    data.entryId.clear();
+    const auto record = std::make_shared<ItemRecord>(std::move(data), PathOf(folder));
+    session_->Save(record);
+    return session_->Show(record);
+}
+
+SendResult Outlook::Send(const DispatchPtr& item) {
+    const auto record = RecordOf(item);
+    if (!record) {
+        throw std::invalid_argument("what is to be sent is no item of this Outlook");
+    }
+    SendResult result;
+    result.item = record;
+    try {
+        record->CheckAlive();
+        session_->OpenInspector(record);
+        result.outcome = session_->Submit(record, item) ? SendResult::Outcome::Sent : SendResult::Outcome::Stopped;
+    } catch (const Failure& failure) {
+        result.error = failure.result;
+        result.reason = failure.words;
+        if (!record->dead) {
+            session_->Save(record); // it stays on the screen; should the program end, it is in Drafts
+        }
+    }
+    if (!record->dead) {
+        result.entryId = record->data.entryId;
+    }
+    return result;
+}
+
+bool Outlook::RaiseItemSend(IDispatch* item, bool cancel) {
+    return session_->RaiseItemSend(item, cancel);
+}
+
+void Outlook::AddStore(const std::wstring& name, const std::vector<std::wstring>& folders) {
+    session_->store.AddStore(name, folders);
+}
+
+std::vector<ItemData> Outlook::ItemsIn(const std::wstring& folder) const {
+    const FolderPath path = PathOf(folder);
+    std::vector<ItemData> items;
+    for (const std::wstring& entryId : session_->store.EntryIdsIn(path)) {
+        items.push_back(session_->store.Read(path, entryId));
+    }
+    return items;
+}
+
+std::vector<ItemData> Outlook::Delivered() const {
+    return session_->store.Delivered();
+}
+
+std::filesystem::path Outlook::DeliveredFolder() const {
+    return session_->store.DeliveredFolder();
+}
+
+bool Outlook::IsOpen(const std::wstring& entryId) const {
+    return std::ranges::any_of(session_->Inspectors(),
+                               [&](const auto& record) { return record->data.entryId == entryId; });
+}
+
+size_t Outlook::OpenInspectors() const {
+    return session_->Inspectors().size();
+}
+
+bool Outlook::HasLeft(const SendResult& result) {
+    return result.item && result.item->data.sent;
+}
+
+HWND Outlook::ExplorerWindow() const {
+    return window_ ? window_->Handle() : nullptr;
+}
+
+bool Outlook::RunUntil(const std::function<bool()>& condition, DWORD milliseconds) {
+    const ULONGLONG end = GetTickCount64() + milliseconds;
+    while (!condition()) {
+        const ULONGLONG now = GetTickCount64();
+        if (now >= end) {
+            return false;
+        }
+        // Not longer than a moment: the condition may come true without a message.
+        MsgWaitForMultipleObjectsEx(0, nullptr, static_cast<DWORD>(std::min<ULONGLONG>(end - now, 20)), QS_ALLINPUT,
+                                    MWMO_INPUTAVAILABLE);
+        for (MSG message; PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);) {
+            TranslateMessage(&message);
+            DispatchMessageW(&message);
+        }
+    }
+    return true;
+}
+
+std::vector<AddInLoad> Outlook::LoadAddIns() {
+    return addIns_.Load(application_);
+}
+
+void Outlook::TellShutdown() {
+    addIns_.TellShutdown();
+}
+
+Recorder& Outlook::Calls() {
+    return session_->calls;
+}
+
+Faults& Outlook::Failures() {
+    return session_->failures;
+}
+
+const std::wstring& Outlook::Caption() const {
+    return session_->caption;
+}
+
+} // namespace stand_ins

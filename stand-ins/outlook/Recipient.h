@@ -1,0 +1,35 @@
+#pragma once
+#include <memory>
+
+#include "stand-ins/outlook/ItemRecord.h"
+#include "stand-ins/outlook/Object.h"
+
+namespace stand_ins {
+
+/// One recipient of an item.
+class Recipient : public Object {
+public:
+    Recipient(std::shared_ptr<Session> session, std::shared_ptr<ItemRecord> record,
+              std::shared_ptr<RecipientData> recipient);
+
+    RecipientData& Alive() const {
+        record_->CheckAlive();
+        return *recipient_;
+    }
+    RecipientData& Changing() const {
+        RecipientData& recipient = Alive();
+        record_->dirty = true;
+        return recipient;
+    }
+    const std::shared_ptr<ItemRecord>& Record() const { return record_; }
+    const std::shared_ptr<RecipientData>& Data() const { return recipient_; }
+
+private:
+    std::shared_ptr<ItemRecord> record_;
+    std::shared_ptr<RecipientData> recipient_;
+};
+
+/// Resolves a recipient that has an address, or whose name is one. Whether it is resolved now.
+bool Resolve(RecipientData& recipient);
+
+} // namespace stand_ins

@@ -1,0 +1,76 @@
+#pragma once
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "stand-ins/outlook/Dispatch.h"
+#include "stand-ins/outlook/Faults.h"
+#include "stand-ins/outlook/ItemRecord.h"
+#include "stand-ins/outlook/Options.h"
+#include "stand-ins/outlook/Recorder.h"
+#include "stand-ins/outlook/Store.h"
+
+namespace stand_ins {
+
+/// What all objects of one running Outlook share: its options, its store, the open items and inspectors, the sinks of
+/// its events.
+class Session : public std::enable_shared_from_this<Session> {
+public:
+    explicit Session(OutlookOptions options);
+
+    /// Whether this thread may call: with strict threads only the one that started Outlook.
+    bool MayCall() const;
+    /// Lets go of sinks, faults and inspectors, any of which may hold objects that hold the session.
+    void End();
+
+    using RecordPtr = std::shared_ptr<ItemRecord>;
+
+    /// The record of a saved item: the one already open, or a new one from the store.
+    RecordPtr Open(const FolderPath& folder, const std::wstring& entryId);
+    /// GetItemFromID. An empty store ID means the default store. Failures as of MAPI.
+    RecordPtr OpenById(const std::wstring& entryId, const std::wstring& storeId);
+    /// Saves a changed or a new item; the modification time moves and never repeats.
+    void Save(const RecordPtr& record);
+    RecordPtr Copy(const RecordPtr& record);
+    /// The record of the item in its new place; the old one is dead unless IDs are kept.
+    RecordPtr Move(const RecordPtr& record, const FolderPath& target);
+    void Delete(const RecordPtr& record);
+    /// Raises ItemSend and, unless it is cancelled, sends: whether the item left. Failure: why it could not.
+    bool Submit(const RecordPtr& record, IDispatch* item);
+
+    /// The object that shows a record, of the item's kind.
+    DispatchPtr Show(const RecordPtr& record);
+    DispatchPtr Root();
+
+    void OpenInspector(const RecordPtr& record);
+    void CloseInspector(const RecordPtr& record);
+    bool HasInspector(const RecordPtr& record) const;
+    const std::vector<RecordPtr>& Inspectors() const { return inspectors_; }
+
+    DWORD Advise(const DispatchPtr& sink);
+    bool Unadvise(DWORD cookie);
+    /// The result is Cancel after all sinks.
+    bool RaiseItemSend(IDispatch* item, bool cancel);
+
+    const OutlookOptions options;
+    const std::wstring caption;
+    Recorder calls;
+    Faults failures;
+    Store store;
+    /// Held during every call of a member, for callers of other threads.
+    std::recursive_mutex lock;
+
+private:
+    void Remember_(const RecordPtr& record);
+    void Leave_(const RecordPtr& record);
+
+    const DWORD thread_;
+    std::map<std::wstring, std::weak_ptr<ItemRecord>> open_;
+    std::vector<RecordPtr> inspectors_;
+    std::map<DWORD, DispatchPtr> sinks_;
+    DWORD lastCookie_ = 0;
+};
+
+} // namespace stand_ins

@@ -1,0 +1,195 @@
+#include "tests/end-to-end/Desk.h"
+
+#include <algorithm>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+
+#include "foundation/Log4CxxHelper.h"
+
+namespace end_to_end {
+namespace fs = std::filesystem;
+namespace {
+
+constexpr wchar_t kAddIns[] = L"SOFTWARE\\Microsoft\\Office\\Outlook\\Addins\\OutlookQLTPlugin.Connect";
+constexpr wchar_t kInput[] = L"SOFTWARE\\Vorlek\\OutlookQLTPlugin\\Input";
+constexpr wchar_t kProduct[] = L"SOFTWARE\\Vorlek\\OutlookQLTPlugin";
+constexpr wchar_t kOnSpot[] = L"onspotenabled";
+constexpr DWORD kLoadAtStart = 3;
+constexpr DWORD kPollMs = 20;
+constexpr int kReadyPolls = 1500;
+
+void RunToEnd(const fs::path& program, const std::vector<std::wstring>& arguments, const fs::path& output) {
+    const test_support::Program run(program, arguments, output);
+    if (const DWORD status = run.Wait(); status != 0) {
+        throw std::runtime_error(program.string() + " ended with " + std::to_string(status) + ": " + run.Output());
+    }
+}
+
+/// A path of the build as Windows writes it: the add-in looks at what follows the last backslash.
+fs::path Built(const char* path) {
+    return fs::path(L"Z:") / fs::path(path).make_preferred();
+}
+
+fs::path SystemProgram(const wchar_t* name) {
+    wchar_t folder[MAX_PATH] = L"";
+    GetSystemDirectoryW(folder, MAX_PATH);
+    return fs::path(folder) / name;
+}
+
+void TellOutlook() {
+    RegSetKeyValueW(HKEY_LOCAL_MACHINE, kAddIns, L"FriendlyName", REG_SZ, L"Mail inspection", 32);
+    RegSetKeyValueW(HKEY_LOCAL_MACHINE, kAddIns, L"Description", REG_SZ, L"Mail inspection", 32);
+    RegSetKeyValueW(HKEY_LOCAL_MACHINE, kAddIns, L"LoadBehavior", REG_DWORD, &kLoadAtStart, sizeof(kLoadAtStart));
+}
+
+std::vector<Json> ReadItems(const fs::path& folder) {
+    std::vector<fs::path> files;
+    if (fs::exists(folder)) {
+        for (const auto& entry : fs::directory_iterator(folder)) {
+            if (entry.path().extension() == L".json") {
+                files.push_back(entry.path());
+            }
+        }
+    }
+    std::ranges::sort(files);
+    std::vector<Json> items;
+    for (const fs::path& file : files) {
+        items.push_back(Json::parse(test_support::ReadAll(file)));
+    }
+    return items;
+}
+
+} // namespace
+
+Desk::Desk() {
+    folder_ = fs::temp_directory_path() / (L"desk-" + std::to_wstring(GetCurrentProcessId()));
+    fs::remove_all(folder_);
+    fs::create_directories(folder_);
+    RegDeleteTreeW(HKEY_CURRENT_USER, kProduct);
+    WriteLogConfiguration_();
+    RunToEnd(SystemProgram(L"regsvr32.exe"), {L"/s", Built(ADDIN_MODULE).wstring()}, folder_ / "regsvr32.txt");
+    TellOutlook();
+}
+
+Desk::~Desk() {
+    StopAgent();
+    RegDeleteTreeW(HKEY_LOCAL_MACHINE, kAddIns);
+    RegDeleteTreeW(HKEY_CURRENT_USER, kProduct);
+    std::error_code ignored;
+    fs::remove(vorlek::GetLogConfigurationPath(), ignored);
+    if (!HasFailure()) {
+        fs::remove_all(folder_, ignored);
+    }
+}
+
+void Desk::WriteLogConfiguration_() const {
+    const fs::path path = vorlek::GetLogConfigurationPath();
+    fs::create_directories(path.parent_path());
+    std::ofstream(path) << "log4j.rootLogger=ALL, file\n"
+                           "log4j.appender.file=org.apache.log4j.FileAppender\n"
+                           "log4j.appender.file.File="
+                        << (folder_ / "add-in.log").generic_string()
+                        << "\n"
+                           "log4j.appender.file.encoding=UTF-8\n"
+                           "log4j.appender.file.layout=org.apache.log4j.PatternLayout\n"
+                           "log4j.appender.file.layout.ConversionPattern=%p %m%n\n";
+}
+
+void Desk::StartAgent(const Json& policy, const std::vector<std::wstring>& options) {
+    const fs::path policyFile = folder_ / "policy.json";
+    const fs::path ready = folder_ / "agent-ready.txt";
+    std::ofstream(policyFile) << policy;
+    fs::remove(ready);
+    std::vector<std::wstring> arguments = {L"--policy",     policyFile.wstring(),
+                                           L"--work",       (folder_ / "agent").wstring(),
+                                           L"--record",     (folder_ / "documents").wstring(),
+                                           L"--ready-file", ready.wstring()};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    agent_ = std::make_unique<test_support::Program>(Built(AGENT_PROGRAM), arguments, folder_ / "agent.txt");
+    for (int polls = 0; !fs::exists(ready); ++polls) {
+        if (agent_->EndsWithin(kPollMs) || polls == kReadyPolls) {
+            throw std::runtime_error("the agent does not listen: " + agent_->Output());
+        }
+    }
+}
+
+void Desk::StopAgent() {
+    agent_.reset();
+}
+
+fs::path Desk::Item(const Json& fields) {
+    Json item = {{"kind", "mail"},
+                 {"subject", "Plans"},
+                 {"body", "The plans for next week."},
+                 {"account", "anna@example.com"},
+                 {"recipients", {{{"name", "Ben"}, {"address", "ben@example.com"}, {"type", 1}}}}};
+    item.update(fields);
+    const fs::path path = folder_ / ("item-" + std::to_string(++items_) + ".json");
+    std::ofstream(path) << item;
+    return path;
+}
+
+OutlookRun Desk::Send(const std::vector<fs::path>& items, std::vector<std::wstring> options) {
+    std::vector<std::wstring> arguments = {L"--profile", (folder_ / "profile").wstring()};
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    arguments.push_back(L"--send");
+    for (const fs::path& item : items) {
+        arguments.push_back(item.wstring());
+    }
+    const test_support::Program outlook(Built(OUTLOOK_PROGRAM), arguments,
+                                        folder_ / ("outlook-" + std::to_string(++runs_) + ".txt"));
+    OutlookRun run;
+    while (auto box =
+               test_support::AnswerMessageBox(L"Microsoft Outlook", [&] { return outlook.EndsWithin(kPollMs); })) {
+        run.box = std::move(box);
+        ++run.boxes;
+    }
+    run.status = outlook.Wait();
+    run.output = outlook.Output();
+    return run;
+}
+
+std::vector<Json> Desk::Delivered() const {
+    return ReadItems(folder_ / "profile" / "Delivered");
+}
+
+std::vector<Json> Desk::ItemsIn(const std::string& folder) const {
+    return ReadItems(folder_ / "profile" / "Stores" / "Outlook Data File" / folder);
+}
+
+std::vector<std::string> Desk::Documents() const {
+    std::vector<std::string> documents;
+    const fs::path folder = folder_ / "documents";
+    if (fs::exists(folder)) {
+        for (const auto& entry : fs::directory_iterator(folder)) {
+            if (entry.path().string().ends_with("-inspector.xml")) {
+                documents.push_back(test_support::ReadAll(entry.path()));
+            }
+        }
+    }
+    return documents;
+}
+
+std::vector<std::string> Desk::Log() const {
+    std::istringstream text(test_support::ReadAll(folder_ / "add-in.log"));
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(text, line);) {
+        if (line.ends_with('\r')) {
+            line.pop_back();
+        }
+        lines.push_back(std::move(line));
+    }
+    return lines;
+}
+
+bool Desk::Logged(const std::string& line) const {
+    return std::ranges::count(Log(), line) > 0;
+}
+
+void Desk::SetOnSpot(bool on) const {
+    const std::uint64_t value = on ? 1 : 0;
+    RegSetKeyValueW(HKEY_CURRENT_USER, kInput, kOnSpot, REG_QWORD, &value, sizeof(value));
+}
+
+} // namespace end_to_end

@@ -1,0 +1,64 @@
+#pragma once
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include "tests/support/MessageBox.h"
+#include "tests/support/Program.h"
+
+namespace end_to_end {
+
+using Json = nlohmann::json;
+
+/// One run of Outlook, from start to end.
+struct OutlookRun {
+    DWORD status = 0;
+    std::string output;
+    std::optional<test_support::ShownBox> box; ///< the last message box that the user saw and answered
+    int boxes = 0;
+};
+
+/// A user's desk: the add-in registered and told to Outlook, a profile, an agent, and the log at its lowest level, all
+/// in a folder of the test's own.
+class Desk : public testing::Test {
+protected:
+    Desk();
+    ~Desk() override;
+
+    /// Starts the agent with a policy and waits until it listens.
+    void StartAgent(const Json& policy, const std::vector<std::wstring>& options = {});
+    void StopAgent();
+
+    /// Writes an item for Outlook to send; the fields given stand beside a sender, a recipient, a subject and a body.
+    std::filesystem::path Item(const Json& fields);
+    std::filesystem::path Item() { return Item(Json::object()); }
+
+    /// Starts Outlook, lets it send the items, and answers every box that the add-in shows.
+    OutlookRun Send(const std::vector<std::filesystem::path>& items, std::vector<std::wstring> options = {L"-Embedding"});
+
+    std::vector<Json> Delivered() const;
+    std::vector<Json> ItemsIn(const std::string& folder) const;
+    /// The documents that the agent was shown.
+    std::vector<std::string> Documents() const;
+    /// "LEVEL text" of every line that the add-in logged.
+    std::vector<std::string> Log() const;
+    bool Logged(const std::string& line) const;
+
+    void SetOnSpot(bool on) const;
+
+    std::filesystem::path folder_;
+
+private:
+    void WriteLogConfiguration_() const;
+
+    std::unique_ptr<test_support::Program> agent_;
+    int runs_ = 0;
+    int items_ = 0;
+};
+
+} // namespace end_to_end

@@ -1,0 +1,19 @@
+#pragma once
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace test_support {
+
+/// A message box as its reader sees it.
+struct ShownBox {
+    std::wstring caption;
+    std::wstring text;
+    long style; ///< of the dialog window
+};
+
+/// Waits for a message box with the caption, reads it and presses its OK button. Nothing when `stop`, asked now and
+/// then, says that none will come.
+std::optional<ShownBox> AnswerMessageBox(const std::wstring& caption, const std::function<bool()>& stop);
+
+} // namespace test_support
