@@ -109,6 +109,10 @@ void Server::Refuse() {
         closesocket(listener_);
         isListening_ = false;
         Bind_(port_);
+        if (listener_ == INVALID_SOCKET) {
+            // Somebody else may listen on the old port by now: a held one refuses for certain.
+            Bind_(0);
+        }
         Wake_();
     }
 }

@@ -26,7 +26,7 @@ public:
     /// Lets connections in from now on.
     void Listen();
 
-    /// Keeps the port, but refuses connections from now on.
+    /// Refuses connections from now on. The port stays, or is another if the system did not give it back.
     void Refuse();
 
 private:

@@ -26,11 +26,19 @@ public:
         start.hStdError = file;
         PROCESS_INFORMATION process{};
         std::wstring command = L"\"" AGENT_PROGRAM L"\" " + arguments;
-        const BOOL isStarted = CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW,
-                                              nullptr, nullptr, &start, &process);
+        BOOL isStarted = FALSE;
+        // Wine on a busy machine now and then fails to bring a process up, with this error and no other.
+        for (int attempt = 0; attempt < 3 && !isStarted; ++attempt) {
+            isStarted = CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr,
+                                       nullptr, &start, &process);
+            if (!isStarted && GetLastError() != ERROR_INTERNAL_ERROR) {
+                break;
+            }
+        }
+        const DWORD error = GetLastError();
         CloseHandle(file);
         if (!isStarted) {
-            throw std::runtime_error("agent.exe does not start: error " + std::to_string(GetLastError()));
+            throw std::runtime_error("agent.exe does not start: error " + std::to_string(error));
         }
         CloseHandle(process.hThread);
         process_ = process.hProcess;
