@@ -74,7 +74,7 @@ def decode_bytes(data, charset):
 def unfold(value):
     """A header's value as it stands in the file, on one line; bytes beyond ASCII by the best guess."""
     text = re.sub(r"\r?\n(?=[ \t])", "", str(value)).strip()
-    return decode_bytes(text.encode("utf-8", "surrogateescape"), "utf-8")
+    return decode_bytes(text.encode("utf-8", "surrogateescape"), None)
 
 
 def raw_headers(part, name):
@@ -113,19 +113,32 @@ def line_of(data, needle):
     return data.count(b"\n", 0, at) + 1 if at >= 0 else None
 
 
+def split_parts(raw, boundary):
+    """The parts of a multipart as they stand in the file."""
+    delimiter = re.compile(rb"(?:\A|\r?\n)--" + re.escape(boundary.encode("ascii", "replace")) +
+                           rb"(?:--)?[ \t]*(?=\r?\n|\Z)")
+    found = list(delimiter.finditer(raw))
+    return [raw[a.end():b.start()].removeprefix(b"\r").removeprefix(b"\n") for a, b in zip(found, found[1:])]
+
+
+def body_of(raw):
+    """What stands behind the headers."""
+    blank = re.search(rb"(?:\A|\n)\r?\n", raw)
+    return raw[blank.end():] if blank else b""
+
+
 class Opener:
     """Takes a message apart into an item."""
 
     def __init__(self, data):
         self.data = data
-        self.newline = b"\r\n" if b"\r\n" in data else b"\n"
         self.bodies = {}
         self.attachments = []
         self.message = email.message_from_bytes(data, policy=POLICY)
 
     def item(self):
         self.check_is_mail()
-        self.take(self.message, "1", own=True)
+        self.take(self.message, self.data, "1", own=True)
         bodies = self.bodies
         sender = next(iter(addresses(self.message, "from")), None)
         rich = "text/rtf" in bodies
@@ -178,18 +191,20 @@ class Opener:
             if name.lower() not in OWN_HEADERS and not name.lower().startswith("content-")
         ]
 
-    def take(self, part, where, own):
-        """Sorts a part into bodies and attachments; own: it may still be the body of the mail."""
+    def take(self, part, raw, where, own):
+        """Sorts a part, with its raw form, into bodies and attachments; own: it may still be the body of the mail."""
         self.check(part, where)
         kind = part.get_content_type()
         if kind == "message/rfc822":
-            self.attach_message(part, where)
+            self.attach_message(part, raw, where)
         elif part.get_content_maintype() == "multipart":
             if not part.is_multipart():
                 self.fail(part, where, "a multipart without parts")
             related = kind == "multipart/related"
-            for number, child in enumerate(part.get_payload(), 1):
-                self.take(child, f"{where}.{number}", own and (number == 1 or not related))
+            children = part.get_payload()
+            pieces = split_parts(raw, part.get_boundary())
+            for number, (child, piece) in enumerate(zip(children, pieces, strict=True), 1):
+                self.take(child, piece, f"{where}.{number}", own and (number == 1 or not related))
         elif own and self.is_body(part, kind):
             self.bodies[self.body_kind(kind)] = self.body_text(part, where, kind)
         else:
@@ -235,18 +250,16 @@ class Opener:
             "content": base64.b64encode(self.payload(part, where)).decode("ascii"),
         })
 
-    def attach_message(self, part, where):
-        inner = part.get_payload(0) if part.is_multipart() else None
-        if inner is None:
-            self.fail(part, where, "an attached mail that is empty")
-        linesep = self.newline.decode("ascii")
-        data = inner.as_bytes(policy=POLICY.clone(linesep=linesep, max_line_length=None))
-        if raw_header(part, "content-transfer-encoding").strip().lower() == "base64":
+    def attach_message(self, part, raw, where):
+        data = body_of(raw)
+        if raw_header(part, "content-transfer-encoding").lower() == "base64":
             try:
                 data = base64.b64decode(b"".join(data.split()), validate=True)
             except binascii.Error:
                 self.fail(part, where, "base64 that cannot be decoded")
-            inner = email.message_from_bytes(data, policy=POLICY)
+        if not data.strip():
+            self.fail(part, where, "an attached mail that is empty")
+        inner = email.message_from_bytes(data, policy=POLICY)
         subject = clean(decode_words(raw_header(inner, "subject"))) or "message"
         name = part.get_filename() or re.sub(r'[\\/:*?"<>|\r\n\t]', "_", subject) + ".eml"
         self.attachments.append({
