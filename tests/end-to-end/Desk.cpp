@@ -158,7 +158,9 @@ std::vector<std::string> Desk::Documents() const {
     const fs::path folder = folder_ / "documents";
     if (fs::exists(folder)) {
         for (const auto& entry : fs::directory_iterator(folder)) {
-            documents.push_back(test_support::ReadAll(entry.path()));
+            if (entry.path().string().ends_with("-inspector.xml")) {
+                documents.push_back(test_support::ReadAll(entry.path()));
+            }
         }
     }
     return documents;
