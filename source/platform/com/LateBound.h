@@ -71,11 +71,11 @@ protected:
 
 /// Names a late-bound interface of a namespace with its identifier, and its counted pointer (the name
 /// with Ptr behind it). To be written at global scope, before the struct itself.
-#define LATE_BOUND_INTERFACE(space, name, ...)                                                                   \
-    namespace space {                                                                                            \
-    struct name;                                                                                                 \
-    }                                                                                                            \
-    __CRT_UUID_DECL(space::name, __VA_ARGS__)                                                                    \
-    namespace space {                                                                                            \
-    _COM_SMARTPTR_TYPEDEF(name, __uuidof(name));                                                                 \
+#define LATE_BOUND_INTERFACE(space, name, ...)                                                                         \
+    namespace space {                                                                                                  \
+    struct name;                                                                                                       \
+    }                                                                                                                  \
+    __CRT_UUID_DECL(space::name, __VA_ARGS__)                                                                          \
+    namespace space {                                                                                                  \
+    _COM_SMARTPTR_TYPEDEF(name, __uuidof(name));                                                                       \
     }

@@ -4,7 +4,7 @@
 // member raises _com_error with the failure's code; a property that holds no object gives a null pointer.
 #include "platform/com/LateBound.h"
 
-#define OUTLOOK_INTERFACE(name, number)                                                                          \
+#define OUTLOOK_INTERFACE(name, number)                                                                                \
     LATE_BOUND_INTERFACE(Outlook, name, number, 0x0000, 0x0000, 0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46)
 
 OUTLOOK_INTERFACE(_Application, 0x00063001)
