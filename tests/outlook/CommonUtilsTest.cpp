@@ -198,13 +198,7 @@ TEST_F(CommonUtilsTest, AFailureGivesTheLockBackToOtherThreads) {
     MakeKeysFail();
     CommonUtils::AddToInspectedItems(L"ID", L"SENT", logger);
     RegistryKey::GetCurrentUser().DeleteSubKeyTree(kPluginKey);
-    const auto add = [](void* self) -> DWORD {
-        CommonUtils::AddToInspectedItems(L"ID", L"SENT", static_cast<CommonUtilsTest*>(self)->logger);
-        return 0;
-    };
-    const HANDLE thread = CreateThread(nullptr, 0, add, this, 0, nullptr);
-    ASSERT_EQ(WaitForSingleObject(thread, 10000), WAIT_OBJECT_0);
-    CloseHandle(thread);
+    std::async(std::launch::async, [&] { CommonUtils::AddToInspectedItems(L"ID", L"SENT", logger); }).get();
     EXPECT_TRUE(Unsent()->ValueExists(L"ID"));
 }
 

@@ -111,7 +111,12 @@ public:
         if (m_dwEventCookie != kNotAdvised) {
             AtlThrow(E_FAIL);
         }
-        return AtlAdvise(source, &sink_, *iid, &m_dwEventCookie);
+        DWORD cookie = 0;
+        const HRESULT result = AtlAdvise(source, &sink_, *iid, &cookie);
+        if (SUCCEEDED(result)) {
+            m_dwEventCookie = cookie;
+        }
+        return result;
     }
 
     /// Whatever the result, the sink can be advised again.
