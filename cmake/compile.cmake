@@ -25,6 +25,7 @@ else()
     target_compile_options(project_options INTERFACE
         $<$<COMPILE_LANGUAGE:CXX>:-fstack-protector-strong>)
     target_compile_definitions(project_options INTERFACE $<$<CONFIG:Release>:_FORTIFY_SOURCE=2>)
+    # When linking the option brings libssp, which holds the checked functions of both.
     target_link_options(project_options INTERFACE -fstack-protector-strong $<$<CONFIG:Release>:-s>)
 endif()
 

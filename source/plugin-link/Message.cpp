@@ -183,6 +183,9 @@ std::unique_ptr<Message> Message::FromString(std::wstring text) {
 std::unique_ptr<Message> Message::ReadHeader_(XMLReader& reader) {
     constexpr ThrowSite site = L"vorlek::Message::FromString";
     const std::shared_ptr<XMLNode> root = reader.ReadNode();
+    if (!root) {
+        Throw(site, L"Invalid message header! Type: ", L"none, value: ");
+    }
     if (root->GetType() != XMLNode::StartElement || root->GetValue() != kRoot) {
         Throw(site, L"Invalid message header! Type: ", static_cast<std::int32_t>(root->GetType()), L", value: ",
               root->GetValue());

@@ -69,12 +69,12 @@ TEST(XMLReader, EndOfInputIsAnEmptyPointerAgainAndAgain) {
 
 TEST(XMLReader, RefusesADocumentTypeDefinition) {
     ExpectFailure<Exception>([] { Nodes_(L"<!DOCTYPE a [<!ENTITY e \"x\">]><a>&e;</a>"); },
-                             L"vorlek::XMLReader::ReadNode", L"Read failed with: -1072894427");
+                             L"vorlek::XMLReader::ReadNode", L"Read failed with: " + std::to_wstring(static_cast<HRESULT>(WC_E_DTDPROHIBITED)));
 }
 
 TEST(XMLReader, RaisesForIllFormedInput) {
     ExpectFailure<Exception>([] { Nodes_(L"<a></b>"); }, L"vorlek::XMLReader::ReadNode",
-                             L"Read failed with: " + std::to_wstring(WC_E_ELEMENTMATCH));
+                             L"Read failed with: " + std::to_wstring(static_cast<HRESULT>(WC_E_ELEMENTMATCH)));
 }
 
 TEST(XMLReader, ReadsTheAttributesOfTheElementJustRead) {

@@ -107,11 +107,11 @@ void Element::SetText(const std::string& text) {
         }
         child = next;
     }
-    const TiXmlText content(text);
-    if (element.FirstChild() != nullptr) {
-        element.InsertBeforeChild(element.FirstChild(), content);
+    auto content = std::make_unique<TiXmlText>(text);
+    if (element.NoChildren()) {
+        element.LinkEndChild(content.release());
     } else {
-        element.InsertEndChild(content);
+        element.InsertBeforeChild(element.FirstChild(), *content); // which copies
     }
 }
 

@@ -1,0 +1,237 @@
+#include "agent/apps/outlook/CommonUtils.h"
+
+#include <atomic>
+#include <future>
+#include <regex>
+
+#include "foundation/EnvUtils.h"
+#include "foundation/Exception.h"
+#include "foundation/RegistryKey.h"
+#include "tests/outlook/OutlookTest.h"
+#include "tests/support/MessageBox.h"
+
+namespace vorlek {
+namespace {
+
+using outlook_tests::kInputKey;
+using outlook_tests::kPluginKey;
+using outlook_tests::kUnsentKey;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class CommonUtilsTest : public testing::Test {
+protected:
+    CommonUtilsTest() { RegistryKey::GetCurrentUser().DeleteSubKeyTree(kPluginKey); }
+    ~CommonUtilsTest() override { RegistryKey::GetCurrentUser().DeleteSubKeyTree(kPluginKey); }
+
+    static std::shared_ptr<RegistryKey> Unsent() { return RegistryKey::GetCurrentUser().OpenSubKey(kUnsentKey); }
+
+    /// Makes every access of the ledger and of the switch fail: no lasting key can lie in a passing one.
+    static void MakeKeysFail() { RegistryKey::GetCurrentUser().CreateSubKey(kPluginKey, false); }
+
+    static std::wstring FailureOf(const wchar_t* key) {
+        try {
+            RegistryKey::GetCurrentUser().CreateSubKey(key, true);
+        } catch (const Exception& failure) {
+            return failure.ToString();
+        }
+        return L"no failure";
+    }
+
+    test_support::LogCapture log;
+    log4cxx::LoggerPtr logger = log4cxx::Logger::getLogger(L"caller");
+};
+
+TEST_F(CommonUtilsTest, AnItemIsNotedWithItsSentItemIdAndEachStepIsLogged) {
+    CommonUtils::AddToInspectedItems(L"ID-1", L"SENT-1", logger);
+    std::wstring value;
+    Unsent()->GetValue(L"ID-1", value);
+    EXPECT_EQ(value, L"SENT-1");
+    EXPECT_EQ(Unsent()->GetValueType(L"ID-1"), DWORD{REG_SZ});
+    EXPECT_THAT(log.Texts(L"DEBUG"), ElementsAre(L"AddToInspectedItems for itemID = ID-1 with sentItemId = SENT-1",
+                                                 L"Taking lock to access the IDs in the Registry",
+                                                 L"Accessing the IDs in the Registry - open/create subkey",
+                                                 L"Accessing the IDs in the Registry - opened subkey - adding value",
+                                                 L"Successfully added ID-1 to the registry."));
+}
+
+TEST_F(CommonUtilsTest, LinesComeOutUnderTheCallersLogger) {
+    CommonUtils::AddToInspectedItems(L"ID-1", L"SENT-1", logger);
+    for (const auto& line : log.Lines()) {
+        EXPECT_EQ(line.logger, L"caller");
+    }
+}
+
+TEST_F(CommonUtilsTest, AnItemNotedTwiceStandsOnceWithTheLaterData) {
+    CommonUtils::AddToInspectedItems(L"ID-1", L"SENT-1", logger);
+    CommonUtils::AddToInspectedItems(L"ID-1", L"SENT-2", logger);
+    std::vector<std::wstring> ids;
+    CommonUtils::GetInspectedItemIds(ids, logger);
+    EXPECT_THAT(ids, ElementsAre(L"ID-1"));
+    EXPECT_EQ(CommonUtils::GetSentItemId(L"ID-1", logger), L"SENT-2");
+}
+
+TEST_F(CommonUtilsTest, AnEmptyItemIdReachesNeitherLockNorRegistry) {
+    CommonUtils::AddToInspectedItems(L"", L"SENT", logger);
+    CommonUtils::RemoveFromInspectedItems(L"", logger);
+    EXPECT_THAT(log.Texts(L"DEBUG"), ElementsAre(L"AddToInspectedItems for itemID =  with sentItemId = SENT",
+                                                 L"RemoveFromInspectedItems for itemID = "));
+    EXPECT_THAT(log.Texts(L"WARN"),
+                ElementsAre(L"Passed item unique ID is empty.", L"Passed item unique ID is empty."));
+    EXPECT_THROW(Unsent(), RegistryKeyException);
+}
+
+TEST_F(CommonUtilsTest, ARemovedItemIsGoneAndTheOthersStay) {
+    CommonUtils::AddToInspectedItems(L"ID-1", L"SENT-1", logger);
+    CommonUtils::AddToInspectedItems(L"ID-2", L"SENT-2", logger);
+    log.Clear();
+    CommonUtils::RemoveFromInspectedItems(L"ID-1", logger);
+    EXPECT_FALSE(Unsent()->ValueExists(L"ID-1"));
+    EXPECT_TRUE(Unsent()->ValueExists(L"ID-2"));
+    EXPECT_THAT(log.Texts(L"DEBUG"), ElementsAre(L"RemoveFromInspectedItems for itemID = ID-1",
+                                                 L"Taking lock to access the IDs in the Registry",
+                                                 L"Accessing the IDs in the Registry - open subkey",
+                                                 L"Accessing the IDs in the Registry - opened subkey - removing value",
+                                                 L"Successfully removed ID-1 from the registry."));
+}
+
+TEST_F(CommonUtilsTest, RemovingAnItemThatIsNotNotedIsASuccess) {
+    CommonUtils::RemoveFromInspectedItems(L"ID-1", logger);
+    EXPECT_TRUE(log.Has(L"DEBUG", L"Successfully removed ID-1 from the registry."));
+    EXPECT_THAT(log.Texts(L"ERROR"), IsEmpty());
+}
+
+TEST_F(CommonUtilsTest, AnAbsentLedgerIsMadeByTheFirstReadAndIsEmpty) {
+    std::vector<std::wstring> ids;
+    CommonUtils::GetInspectedItemIds(ids, logger);
+    EXPECT_THAT(ids, IsEmpty());
+    EXPECT_NO_THROW(Unsent());
+    EXPECT_THAT(log.Texts(L"INFO"), ElementsAre(L"Checking to see if there are items that should be sent - following "
+                                                L"Outlook closing during inspection"));
+    EXPECT_THAT(log.Texts(L"DEBUG"), ElementsAre(L"Taking lock to access the IDs in the Registry",
+                                                 L"Accessing the IDs in the Registry - open subkey",
+                                                 L"Accessing the IDs in the Registry - opened subkey - reading values",
+                                                 L"Successfully retrieved 0 IDs."));
+}
+
+TEST_F(CommonUtilsTest, TheSentItemIdIsReadBack) {
+    CommonUtils::AddToInspectedItems(L"ID-1", L"SENT-1", logger);
+    log.Clear();
+    EXPECT_EQ(CommonUtils::GetSentItemId(L"ID-1", logger), L"SENT-1");
+    EXPECT_TRUE(log.Has(L"INFO", L"looking for item with id - ID-1 in the registry"));
+    EXPECT_TRUE(log.Has(L"DEBUG", L"Successfully retrieved SENT-1"));
+}
+
+TEST_F(CommonUtilsTest, AnAbsentSentItemIdIsAFailureAndEmpty) {
+    EXPECT_EQ(CommonUtils::GetSentItemId(L"ID-1", logger), L"");
+    std::wstring failure;
+    try {
+        std::wstring value;
+        Unsent()->GetValue(L"ID-1", value);
+    } catch (const Exception& caught) {
+        failure = caught.ToString();
+    }
+    EXPECT_THAT(log.Texts(L"ERROR"), ElementsAre(L"Failed to get the value for the requested id: " + failure));
+}
+
+TEST_F(CommonUtilsTest, WithoutTheSwitchNothingIsOnTheSpotAndTheKeyIsMade) {
+    EXPECT_FALSE(CommonUtils::IsOnSpotOverrideEnabled(logger));
+    EXPECT_NO_THROW(RegistryKey::GetCurrentUser().OpenSubKey(kInputKey));
+    EXPECT_THAT(log.Texts(L"DEBUG"), ElementsAre(L"Checking for OnSpot override",
+                                                 L"Accessing the on-spot value in the Registry - opened subkey"));
+}
+
+TEST_F(CommonUtilsTest, EveryNumberButZeroTurnsTheSwitchOnAtOnce) {
+    const auto key = RegistryKey::GetCurrentUser().CreateSubKey(kInputKey, true);
+    const auto set = [&](ULONGLONG value) {
+        const auto* bytes = reinterpret_cast<const BYTE*>(&value);
+        key->SetValue(L"onspotenabled", std::vector<BYTE>(bytes, bytes + sizeof(value)), REG_QWORD);
+    };
+    set(1);
+    EXPECT_TRUE(CommonUtils::IsOnSpotOverrideEnabled(logger));
+    EXPECT_TRUE(log.Has(L"DEBUG", L"Successfully retrieved 1"));
+    set(0x8000000000000000);
+    EXPECT_TRUE(CommonUtils::IsOnSpotOverrideEnabled(logger));
+    EXPECT_TRUE(log.Has(L"DEBUG", L"Successfully retrieved 9223372036854775808"));
+    set(0);
+    EXPECT_FALSE(CommonUtils::IsOnSpotOverrideEnabled(logger));
+    EXPECT_TRUE(log.Has(L"DEBUG", L"Successfully retrieved 0"));
+}
+
+TEST_F(CommonUtilsTest, AShortNumberIsNotTheSwitchAndIsReported) {
+    const auto key = RegistryKey::GetCurrentUser().CreateSubKey(kInputKey, true);
+    key->SetValue(L"onspotenabled", DWORD{1});
+    EXPECT_FALSE(CommonUtils::IsOnSpotOverrideEnabled(logger));
+    std::wstring failure;
+    try {
+        ULONGLONG value = 0;
+        key->GetValue(L"onspotenabled", value);
+    } catch (const RegistryInvalidKeyTypeException& caught) {
+        failure = caught.ToString();
+    }
+    EXPECT_THAT(log.Texts(L"ERROR"), ElementsAre(L"Failed to get the value for the onspot override: " + failure));
+}
+
+TEST_F(CommonUtilsTest, NoFailureOfTheRegistryReachesTheCaller) {
+    MakeKeysFail();
+    const std::wstring unsent = FailureOf(kUnsentKey);
+    const std::wstring input = FailureOf(kInputKey);
+    ASSERT_NE(unsent, L"no failure");
+    CommonUtils::AddToInspectedItems(L"ID", L"SENT", logger);
+    CommonUtils::RemoveFromInspectedItems(L"ID", logger);
+    std::vector<std::wstring> ids;
+    CommonUtils::GetInspectedItemIds(ids, logger);
+    EXPECT_EQ(CommonUtils::GetSentItemId(L"ID", logger), L"");
+    EXPECT_FALSE(CommonUtils::IsOnSpotOverrideEnabled(logger));
+    EXPECT_THAT(ids, IsEmpty());
+    EXPECT_THAT(log.Texts(L"ERROR"),
+                ElementsAre(L"Failed to add item ID to the registry key for unsent items: " + unsent,
+                            L"Failed to remove item ID from the registry key for unsent items: " + unsent,
+                            L"Failed to get the registry key for unsent items: " + unsent,
+                            L"Failed to get the value for the requested id: " + unsent,
+                            L"Failed to get the value for the onspot override: " + input));
+}
+
+TEST_F(CommonUtilsTest, AFailureGivesTheLockBackToOtherThreads) {
+    MakeKeysFail();
+    CommonUtils::AddToInspectedItems(L"ID", L"SENT", logger);
+    RegistryKey::GetCurrentUser().DeleteSubKeyTree(kPluginKey);
+    std::async(std::launch::async, [&] { CommonUtils::AddToInspectedItems(L"ID", L"SENT", logger); }).get();
+    EXPECT_TRUE(Unsent()->ValueExists(L"ID"));
+}
+
+TEST_F(CommonUtilsTest, TheUserIsToldOnceThatMailStayedBehind) {
+    std::atomic<bool> closed = false;
+    auto boxes = std::async(std::launch::async, [&] {
+        std::vector<test_support::ShownBox> seen;
+        while (const auto box = test_support::AnswerMessageBox(L"Microsoft Outlook", [&] { return closed.load(); })) {
+            seen.push_back(*box);
+        }
+        return seen;
+    });
+    CommonUtils::ShowUnsentItemsWarning(logger);
+    closed = true;
+    const auto seen = boxes.get();
+    ASSERT_EQ(seen.size(), 1u);
+    EXPECT_EQ(seen.front().text, L"One message or more could not be sent.\nPlease check your Drafts folder");
+}
+
+TEST_F(CommonUtilsTest, TemporaryPathsAreNewNamesInTheAddInsFolderWhichExists) {
+    const std::wstring first = CommonUtils::MakeTemporaryPath(L"cip");
+    const std::wstring second = CommonUtils::MakeTemporaryPath(L"cip");
+    EXPECT_NE(first, second);
+    const std::wstring directory = CommonUtils::GetDirectory(first);
+    EXPECT_EQ(directory, EnvUtils::GetVariable(L"temp") + L"\\CITemp");
+    EXPECT_TRUE(CommonUtils::DirectoryExists(directory));
+    EXPECT_TRUE(std::regex_match(first.substr(directory.size()),
+                                 std::wregex(L"\\\\\\{[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}\\}\\.cip")))
+        << std::string(first.begin(), first.end());
+}
+
+TEST_F(CommonUtilsTest, TheDirectoryOfAPathEndsBeforeTheLastBackslash) {
+    EXPECT_EQ(CommonUtils::GetDirectory(L"C:\\a\\b.txt"), L"C:\\a");
+    EXPECT_EQ(CommonUtils::GetDirectory(L"b.txt"), L"b.txt");
+}
+
+} // namespace
+} // namespace vorlek

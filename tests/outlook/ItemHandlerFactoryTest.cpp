@@ -1,0 +1,75 @@
+#include "agent/apps/outlook/ItemHandlerFactory.h"
+
+#include <memory>
+
+#include "foundation/Exception.h"
+#include "tests/outlook/OutlookTest.h"
+#include "tests/support/ExpectFailure.h"
+
+namespace vorlek {
+namespace {
+
+using outlook_tests::OutlookTest;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class ItemHandlerFactoryTest : public OutlookTest {
+protected:
+    std::unique_ptr<ItemHandler> Create(const stand_ins::DispatchPtr& item) {
+        log.Clear();
+        return std::unique_ptr<ItemHandler>(ItemHandlerFactory().CreateItemHandler(item.GetInterfacePtr()));
+    }
+};
+
+TEST_F(ItemHandlerFactoryTest, ANullItemGivesANullHandlerAndAWarning) {
+    EXPECT_EQ(Create(nullptr), nullptr);
+    EXPECT_THAT(log.Texts(L"DEBUG"), ElementsAre(L"Trying to create an item wrapper..."));
+    EXPECT_THAT(Warnings(), ElementsAre(L"Null was passed to CreateItemHandler"));
+}
+
+TEST_F(ItemHandlerFactoryTest, AMailGivesAMessageHandlerOnThatMail) {
+    const auto mail = outlook->NewMail({.subject = L"Plans"});
+    const auto handler = Create(mail);
+    ASSERT_NE(dynamic_cast<MessageHandler*>(handler.get()), nullptr);
+    EXPECT_THAT(log.Texts(L"INFO"), ElementsAre(L"Calling MeetingItem->QueryType", L"Calling MailItem->QueryType"));
+    EXPECT_THAT(log.Texts(L"DEBUG"),
+                ElementsAre(L"Trying to create an item wrapper...", L"MailItem wrapper was created successfully"));
+    EXPECT_EQ(handler->GetSubject(), L"Plans");
+}
+
+TEST_F(ItemHandlerFactoryTest, AnItemOfNoKnownKindGivesANullHandler) {
+    EXPECT_EQ(Create(outlook->NewPost({.subject = L"Posted"})), nullptr);
+    EXPECT_THAT(log.Texts(L"INFO"), ElementsAre(L"Calling MeetingItem->QueryType", L"Calling MailItem->QueryType",
+                                                L"Calling TaskItem->QueryType"));
+    EXPECT_THAT(Warnings(), IsEmpty());
+}
+
+TEST_F(ItemHandlerFactoryTest, AMeetingItemIsNeitherPassedNorTakenForAMail) {
+    outlook->Failures().AnswerInterface(L"MailItem", __uuidof(Outlook::_MeetingItem));
+    const auto mail = outlook->NewMail({});
+    test_support::ExpectFailure<NotImplementedException>([&] { Create(mail); },
+                                                         L"vorlek::ItemHandlerFactory::TryToCreateMeetingItem_",
+                                                         L"Meeting items cannot be inspected");
+}
+
+TEST_F(ItemHandlerFactoryTest, ATaskRequestIsNotPassed) {
+    outlook->Failures().AnswerInterface(L"PostItem", __uuidof(Outlook::_TaskRequestItem));
+    const auto post = outlook->NewPost({});
+    test_support::ExpectFailure<NotImplementedException>([&] { Create(post); },
+                                                         L"vorlek::ItemHandlerFactory::TryToCreateTaskItem_",
+                                                         L"Task requests cannot be inspected");
+}
+
+TEST_F(ItemHandlerFactoryTest, AnItemThatCannotSayWhatItIsRaises) {
+    const auto mail = outlook->NewMail({});
+    outlook->Failures().Fail(L"MailItem.QueryInterface", E_FAIL);
+    try {
+        Create(mail);
+        FAIL() << "Nothing was raised";
+    } catch (const _com_error& failure) {
+        EXPECT_EQ(failure.Error(), E_FAIL);
+    }
+}
+
+} // namespace
+} // namespace vorlek
