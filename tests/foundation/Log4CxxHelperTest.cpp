@@ -194,10 +194,10 @@ TEST(LogCurrentException, GivesAComErrorsDescription) {
         created->Release();
         _com_raise_error(E_FAIL, information);
     };
-    EXPECT_THAT(Reported_(raise), testing::ElementsAre(
-                                      std::wstring(L"Prefix: Description: what went wrong, error: -2147467259, error "
-                                                   L"message: ") +
-                                      _com_error(E_FAIL).ErrorMessage()));
+    EXPECT_THAT(Reported_(raise),
+                testing::ElementsAre(std::wstring(L"Prefix: Description: what went wrong, error: -2147467259, error "
+                                                  L"message: ") +
+                                     _com_error(E_FAIL).ErrorMessage()));
 }
 
 TEST(LogCurrentException, GivesTheLastErrorForAnythingElse) {
