@@ -71,8 +71,7 @@ std::shared_ptr<RegistryKey> RegistryKey::OpenSubKey(const std::wstring& name, R
     HKEY key = nullptr;
     const LSTATUS result = RegOpenKeyExW(handle_, name.c_str(), 0, access, &key);
     if (result != ERROR_SUCCESS) {
-        Throw<RegistryKeyException>(L"RegistryKey::OpenSubKey", L"RegOpenKeyEx failed on: ", name, L", with: ",
-                                    result);
+        Throw<RegistryKeyException>(L"RegistryKey::OpenSubKey", L"RegOpenKeyEx failed on: ", name, L", with: ", result);
     }
     return std::shared_ptr<RegistryKey>(new RegistryKey(key, name));
 }
@@ -80,9 +79,8 @@ std::shared_ptr<RegistryKey> RegistryKey::OpenSubKey(const std::wstring& name, R
 std::shared_ptr<RegistryKey> RegistryKey::CreateSubKey(const std::wstring& name, bool persistent) const {
     HKEY key = nullptr;
     const LSTATUS result =
-        RegCreateKeyExW(handle_, name.c_str(), 0, nullptr,
-                        persistent ? REG_OPTION_NON_VOLATILE : REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr, &key,
-                        nullptr);
+        RegCreateKeyExW(handle_, name.c_str(), 0, nullptr, persistent ? REG_OPTION_NON_VOLATILE : REG_OPTION_VOLATILE,
+                        KEY_ALL_ACCESS, nullptr, &key, nullptr);
     if (result != ERROR_SUCCESS) {
         Throw<RegistryKeyException>(L"RegistryKey::CreateSubKey", L"RegCreateKeyEx failed on: ", name, L", with: ",
                                     result);
@@ -212,11 +210,10 @@ void RegistryKey::SetValue(const std::wstring& name, const std::vector<std::wstr
 }
 
 void RegistryKey::Write_(const std::wstring& name, DWORD type, const void* data, std::size_t size) const {
-    const LSTATUS result = RegSetValueExW(handle_, name.c_str(), 0, type, static_cast<const BYTE*>(data),
-                                          static_cast<DWORD>(size));
+    const LSTATUS result =
+        RegSetValueExW(handle_, name.c_str(), 0, type, static_cast<const BYTE*>(data), static_cast<DWORD>(size));
     if (result != ERROR_SUCCESS) {
-        Throw<RegistryKeyException>(L"RegistryKey::SetValue", L"RegSetValueEx failed on: ", name, L", with: ",
-                                    result);
+        Throw<RegistryKeyException>(L"RegistryKey::SetValue", L"RegSetValueEx failed on: ", name, L", with: ", result);
     }
 }
 

@@ -80,7 +80,9 @@ std::vector<std::wstring> Reported_(const Action& action) {
     try {
         action();
     } catch (...) {
-        LogCurrentException(holder, L"Prefix:", LOG_SITE);
+        const log4cxx::spi::LocationInfo site = LOG_SITE;
+        SetLastError(1234); // not before the throw, which may leave an error of its own
+        LogCurrentException(holder, L"Prefix:", site);
     }
     holder.Get()->setLevel(nullptr);
     return log.Texts(L"FATAL");
@@ -194,17 +196,14 @@ TEST(LogCurrentException, GivesAComErrorsDescription) {
         created->Release();
         _com_raise_error(E_FAIL, information);
     };
-    EXPECT_THAT(Reported_(raise), testing::ElementsAre(
-                                      std::wstring(L"Prefix: Description: what went wrong, error: -2147467259, error "
-                                                   L"message: ") +
-                                      _com_error(E_FAIL).ErrorMessage()));
+    EXPECT_THAT(Reported_(raise),
+                testing::ElementsAre(std::wstring(L"Prefix: Description: what went wrong, error: -2147467259, error "
+                                                  L"message: ") +
+                                     _com_error(E_FAIL).ErrorMessage()));
 }
 
 TEST(LogCurrentException, GivesTheLastErrorForAnythingElse) {
-    EXPECT_THAT(Reported_([] {
-                    SetLastError(1234);
-                    throw 5;
-                }),
+    EXPECT_THAT(Reported_([] { throw 5; }),
                 testing::ElementsAre(L"Prefix: LogCurrentException:Unknown exception. Last error: 1234"));
 }
 

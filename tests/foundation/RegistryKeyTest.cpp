@@ -303,8 +303,8 @@ TEST_F(RegistryFailures, OpeningAMissingKey) {
 
 TEST_F(RegistryFailures, PersistentKeyBelowAVolatileOne) {
     const auto passing = place_->CreateSubKey(L"volatile", false);
-    ExpectFailure<RegistryKeyException>([&] { passing->CreateSubKey(L"child", true); },
-                                        L"RegistryKey::CreateSubKey", L"RegCreateKeyEx failed on: child, with: 1021");
+    ExpectFailure<RegistryKeyException>([&] { passing->CreateSubKey(L"child", true); }, L"RegistryKey::CreateSubKey",
+                                        L"RegCreateKeyEx failed on: child, with: 1021");
     EXPECT_NO_THROW(passing->CreateSubKey(L"child", false));
 }
 

@@ -80,8 +80,7 @@ TEST(SecUtils, KindThreeHasNoLabelBelowVista) {
     RegistryKey::GetCurrentUser().CreateSubKey(settings, true)->SetValue(L"Version", std::wstring(L"winxp64"));
     test_support::ChildProcess child(L"KindThree", L"", program);
     const std::wstring result = child.Result();
-    EXPECT_EQ(std::vector<BYTE>(result.begin(), result.end()),
-              SecurityBytes(L"D:(A;OICI;GA;;;WD)(A;OICI;GA;;;RC)"));
+    EXPECT_EQ(std::vector<BYTE>(result.begin(), result.end()), SecurityBytes(L"D:(A;OICI;GA;;;WD)(A;OICI;GA;;;RC)"));
     RegistryKey::GetCurrentUser().DeleteSubKeyTree(settings);
 }
 
@@ -109,18 +108,15 @@ TEST(SecUtils, ObjectGetsTheListOfTheAttributes) {
 
 TEST(SecUtils, MissingObjectRaisesNotFound) {
     const TemporaryFolder folder;
-    EXPECT_EQ(Words_([&] {
-                  SecUtils::SetObjectSecurity(SE_FILE_OBJECT, folder / L"missing", *SecUtils::GenSA(1));
-              }),
+    EXPECT_EQ(Words_([&] { SecUtils::SetObjectSecurity(SE_FILE_OBJECT, folder / L"missing", *SecUtils::GenSA(1)); }),
               L"FileNotFoundException: SecUtils::SetObjectSecurity: SetNamedSecurityInfoW failed with: 2");
 }
 
 TEST(SecUtils, AnyOtherFailureRaisesException) {
     const TemporaryFolder folder;
-    EXPECT_EQ(Words_([&] {
-                  SecUtils::SetObjectSecurity(SE_FILE_OBJECT, folder / L"missing\\file", *SecUtils::GenSA(1));
-              }),
-              L"Exception: SecUtils::SetObjectSecurity: SetNamedSecurityInfoW failed with: 3");
+    EXPECT_EQ(
+        Words_([&] { SecUtils::SetObjectSecurity(SE_FILE_OBJECT, folder / L"missing\\file", *SecUtils::GenSA(1)); }),
+        L"Exception: SecUtils::SetObjectSecurity: SetNamedSecurityInfoW failed with: 3");
 }
 
 TEST(SecUtils, AttributesWithoutAListRaise) {
