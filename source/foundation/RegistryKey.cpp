@@ -194,7 +194,7 @@ void RegistryKey::SetValue(const std::wstring& name, DWORD value) const {
 }
 
 void RegistryKey::SetValue(const std::wstring& name, const std::wstring& value, bool expandable) const {
-    // Without the terminator, unlike the multi-string; readers of the stored data rely on its length.
+    // Without the terminator, on purpose and unlike the multi-string. Windows may still store one by itself.
     Write_(name, expandable ? REG_EXPAND_SZ : REG_SZ, value.c_str(), value.size() * sizeof(wchar_t));
 }
 

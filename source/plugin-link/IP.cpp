@@ -26,8 +26,7 @@ void AddressInfoDeleter::operator()(ADDRINFOW* info) const {
     }
 }
 
-IP::IP(const std::wstring& host, std::uint16_t port)
-    : IP(host, port == 0 ? std::wstring() : std::to_wstring(port)) {}
+IP::IP(const std::wstring& host, std::uint16_t port) : IP(host, port == 0 ? std::wstring() : std::to_wstring(port)) {}
 
 IP::IP(const std::wstring& host, const std::wstring& service) : host_(host), service_(service) {
     Init();
@@ -49,20 +48,21 @@ IP::IP(const sockaddr* address, int length) {
 }
 
 IP::IP(const IP& other)
-    : host_(other.host_), service_(other.service_), address_(other.address_), info_(Copy_(*other.info_)) {}
+    : host_(other.host_), service_(other.service_), address_(other.address_), info_(Copy_(other.info_.get())) {}
 
 IP& IP::operator=(const IP& other) {
     if (this != &other) {
         host_ = other.host_;
         service_ = other.service_;
         address_ = other.address_;
-        info_ = Copy_(*other.info_);
+        info_ = Copy_(other.info_.get());
     }
     return *this;
 }
 
 void IP::Init() {
     WinsockInit();
+    info_.reset();
     ADDRINFOW hints{};
     hints.ai_family = AF_UNSPEC;
     hints.ai_socktype = SOCK_STREAM;
@@ -86,13 +86,16 @@ std::wstring IP::AddressToString(const sockaddr* address, int length) {
     return text;
 }
 
-IP::Info_ IP::Copy_(const ADDRINFOW& info) {
+IP::Info_ IP::Copy_(const ADDRINFOW* info) {
+    if (info == nullptr) {
+        return {};
+    }
     auto copy = std::make_unique<InfoCopy_>();
-    copy->info = info;
+    copy->info = *info;
     copy->info.ai_canonname = nullptr;
     copy->info.ai_next = nullptr;
     copy->info.ai_addr = reinterpret_cast<sockaddr*>(&copy->address);
-    std::memcpy(&copy->address, info.ai_addr, info.ai_addrlen);
+    std::memcpy(&copy->address, info->ai_addr, info->ai_addrlen);
     return Info_(&copy.release()->info, AddressInfoDeleter{.ownsInfo = true});
 }
 

@@ -7,8 +7,9 @@
 
 namespace vorlek {
 
+/// Frees a list of the system's, or a private copy of one entry.
 struct AddressInfoDeleter {
-    bool ownsInfo = false; ///< a private copy rather than the system's list
+    bool ownsInfo = false; ///< a private copy
     void operator()(ADDRINFOW* info) const;
 };
 
@@ -26,9 +27,10 @@ public:
     IP& operator=(const IP& other);
     virtual ~IP() = default;
 
-    /// Resolves host and service, again if need be. Throws Exception if they do not resolve.
+    /// Frees what was resolved before and resolves host and service again. Throws Exception if they do not resolve.
     void Init();
 
+    /// Not after an Init that failed.
     const ADDRINFOW& GetInfo() const { return *info_; }
     /// Text of the first resolved address.
     const std::wstring& GetAddress() const { return address_; }
@@ -40,7 +42,7 @@ public:
 
 private:
     using Info_ = std::unique_ptr<ADDRINFOW, AddressInfoDeleter>;
-    static Info_ Copy_(const ADDRINFOW& info);
+    static Info_ Copy_(const ADDRINFOW* info);
 
     std::wstring host_;
     std::wstring service_;

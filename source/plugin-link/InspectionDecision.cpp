@@ -81,7 +81,7 @@ void InspectionDecision::ParseModifications_(const ticpp::Element& modifications
 
 void InspectionDecision::DeleteFiles_() const {
     const auto remove = [](const std::wstring& path) {
-        Guard(logger_, LOG_SITE, {.exception = {L""}, .comError = {L""}, .stdException = {L""}, .other = {L""}},
+        Guard(logger_, LOG_SITE, {.exception = {L""}, .other = {L"Failed to delete a file of the decision."}},
               [&] { FileUtils::RemoveFile(path); });
     };
     if (!bodyLabelPath_.empty()) {

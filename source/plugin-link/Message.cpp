@@ -95,8 +95,7 @@ void Message::Set(const std::wstring& name, std::wstring value, bool hidden) {
 }
 
 void Message::Set(const std::wstring& name, const std::vector<BYTE>& value, bool hidden) {
-    std::wstring text =
-        value.empty() ? std::wstring() : ConversionsUtils::Base64EncodeData(value.data(), value.size());
+    std::wstring text = value.empty() ? std::wstring() : ConversionsUtils::Base64EncodeData(value.data(), value.size());
     SetValue(name, std::move(text), kBytesTag, static_cast<std::uint32_t>(value.size()), hidden);
 }
 
@@ -183,6 +182,9 @@ std::unique_ptr<Message> Message::FromString(std::wstring text) {
 std::unique_ptr<Message> Message::ReadHeader_(XMLReader& reader) {
     constexpr ThrowSite site = L"vorlek::Message::FromString";
     const std::shared_ptr<XMLNode> root = reader.ReadNode();
+    if (!root) {
+        Throw(site, L"Invalid message header! Type: ", L"none, value: ");
+    }
     if (root->GetType() != XMLNode::StartElement || root->GetValue() != kRoot) {
         Throw(site, L"Invalid message header! Type: ", static_cast<std::int32_t>(root->GetType()), L", value: ",
               root->GetValue());

@@ -14,13 +14,18 @@ namespace {
 constexpr const wchar_t* kAccess = L"D:(A;OICI;GA;;;SY)(A;OICI;GR;;;WD)(A;OICI;GR;;;RC)";
 constexpr DWORD kSize = 2;
 
-std::runtime_error Failure_(const std::wstring& service, DWORD error) {
-    if (error == ERROR_ALREADY_EXISTS) {
-        return std::runtime_error("The service " + ToUtf8(service) + " is published already by another process");
+bool Exists_(const std::wstring& name) {
+    const HANDLE section = OpenFileMappingW(FILE_MAP_READ, FALSE, name.c_str());
+    if (section != nullptr) {
+        CloseHandle(section);
     }
-    if (error == ERROR_ACCESS_DENIED) {
-        return std::runtime_error("The service " + ToUtf8(service) +
-                                  " is published already by another user, or this user may not publish for all");
+    return section != nullptr;
+}
+
+std::runtime_error Failure_(const std::wstring& service, const std::wstring& name, DWORD error) {
+    // Nobody but the system may open an existing section for writing: creating it once more is denied.
+    if (error == ERROR_ALREADY_EXISTS || (error == ERROR_ACCESS_DENIED && Exists_(name))) {
+        return std::runtime_error("The service " + ToUtf8(service) + " is published already by another process");
     }
     return std::runtime_error("Cannot publish the service " + ToUtf8(service) + ": error " + std::to_string(error));
 }
@@ -28,12 +33,12 @@ std::runtime_error Failure_(const std::wstring& service, DWORD error) {
 } // namespace
 
 PublishedPort::PublishedPort(const std::wstring& service, std::uint16_t port) {
+    const std::wstring name = L"Global\\59EB6F8B-7F42-4CB9-B741-ED434F426458_" + service;
     SECURITY_ATTRIBUTES attributes{sizeof attributes, nullptr, FALSE};
     if (!ConvertStringSecurityDescriptorToSecurityDescriptorW(kAccess, SDDL_REVISION_1,
                                                               &attributes.lpSecurityDescriptor, nullptr)) {
-        throw Failure_(service, GetLastError());
+        throw Failure_(service, name, GetLastError());
     }
-    const std::wstring name = L"Global\\59EB6F8B-7F42-4CB9-B741-ED434F426458_" + service;
     section_ = CreateFileMappingW(INVALID_HANDLE_VALUE, &attributes, PAGE_READWRITE, 0, kSize, name.c_str());
     DWORD error = GetLastError();
     LocalFree(attributes.lpSecurityDescriptor);
@@ -45,7 +50,7 @@ PublishedPort::PublishedPort(const std::wstring& service, std::uint16_t port) {
         if (section_ != nullptr) {
             CloseHandle(section_);
         }
-        throw Failure_(service, error);
+        throw Failure_(service, name, error);
     }
     Set(port);
 }

@@ -2,19 +2,10 @@
 
 #include <map>
 
+#include "platform/outlook/Extensibility.h"
 #include "stand-ins/outlook/Text.h"
 
 namespace stand_ins {
-
-/// What Outlook calls on its add-ins, through the vtable: _IDTExtensibility2 of AddInDesignerObjects 1.0.
-struct AddInInterface : IDispatch {
-    virtual HRESULT STDMETHODCALLTYPE OnConnection(IDispatch* application, long connectMode, IDispatch* addIn,
-                                                   SAFEARRAY** custom) = 0;
-    virtual HRESULT STDMETHODCALLTYPE OnDisconnection(long removeMode, SAFEARRAY** custom) = 0;
-    virtual HRESULT STDMETHODCALLTYPE OnAddInsUpdate(SAFEARRAY** custom) = 0;
-    virtual HRESULT STDMETHODCALLTYPE OnStartupComplete(SAFEARRAY** custom) = 0;
-    virtual HRESULT STDMETHODCALLTYPE OnBeginShutdown(SAFEARRAY** custom) = 0;
-};
 
 namespace {
 
@@ -22,11 +13,8 @@ constexpr const wchar_t* kKey = L"SOFTWARE\\Microsoft\\Office\\Outlook\\Addins";
 constexpr const wchar_t* kLoadBehavior = L"LoadBehavior";
 constexpr DWORD kLoadAtStart = 3;
 constexpr DWORD kNotLoaded = 2;
-constexpr long kConnectAtStartup = 1;
-constexpr long kDisconnectAtShutdown = 0;
 
-constexpr IID kAddInInterfaceId = {0xB65AD801, 0xABAF, 0x11D0, {0xBB, 0x8B, 0x00, 0xA0, 0xC9, 0x0F, 0x27, 0x44}};
-using AddInPtr = _com_ptr_t<_com_IIID<AddInInterface, &kAddInInterfaceId>>;
+using AddInPtr = _com_ptr_t<_com_IIID<_IDTExtensibility2, &IID__IDTExtensibility2>>;
 
 // The ProgIDs that are to be loaded at start, each with the hive that says so; a user's entry comes before the
 // machine's.
@@ -71,9 +59,9 @@ AddInPtr Connect(const std::wstring& progId, IDispatch* application, std::wstrin
     SAFEARRAY* custom = SafeArrayCreateVector(VT_VARIANT, 1, 0);
     const bool loaded =
         check(CLSIDFromProgID(progId.c_str(), &classId), L"CLSIDFromProgID") &&
-        check(CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER, kAddInInterfaceId,
+        check(CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER, IID__IDTExtensibility2,
                                reinterpret_cast<void**>(&addIn)), L"CoCreateInstance") &&
-        check(addIn->OnConnection(application, kConnectAtStartup, nullptr, &custom), L"OnConnection");
+        check(addIn->OnConnection(application, ext_cm_Startup, nullptr, &custom), L"OnConnection");
     SafeArrayDestroy(custom);
     return loaded ? addIn : nullptr;
 }
@@ -121,7 +109,7 @@ void AddIns::TellShutdown() {
     }
     for (const AddInPtr addIn : loaded_) {
         SAFEARRAY* custom = nullptr;
-        addIn->OnDisconnection(kDisconnectAtShutdown, &custom);
+        addIn->OnDisconnection(ext_dm_HostShutdown, &custom);
     }
     loaded_.clear();
 }

@@ -112,7 +112,8 @@ Json ToJson(const RecipientData& recipient) {
                  {"address", ToUtf8(recipient.address)},
                  {"type", recipient.type},
                  {"resolved", recipient.resolved},
-                 {"addressType", ToUtf8(recipient.addressType)}};
+                 {"addressType", ToUtf8(recipient.addressType)},
+                 {"group", ToUtf8(recipient.group)}};
     if (!recipient.properties.empty()) {
         json["properties"] = ToJson(recipient.properties);
     }
@@ -133,6 +134,7 @@ RecipientData ReadRecipient(const Reader& reader) {
     reader.Read("type", recipient.type);
     reader.Read("resolved", recipient.resolved);
     reader.Read("addressType", recipient.addressType);
+    reader.Read("group", recipient.group);
     reader.Read("properties", recipient.properties);
     return recipient;
 }

@@ -21,6 +21,7 @@ struct RecipientData {
     long type = 1;                        ///< 0 originator, 1 To, 2 CC, 3 BCC; anything else is kept as it is
     bool resolved = true;                 ///< ResolveAll resolves whoever has an address
     std::wstring addressType = L"SMTP";
+    std::wstring group = {};              ///< the named group of a mail's header that he stands in, if any
     Properties properties = {};           ///< an EX recipient's SMTP address: {0x39FE001F, L"..."}
 };
 

@@ -80,6 +80,9 @@ SendResult Outlook::Send(const DispatchPtr& item) {
     } catch (const Failure& failure) {
         result.error = failure.result;
         result.reason = failure.words;
+        if (!record->dead) {
+            session_->Save(record); // it stays on the screen; should the program end, it is in Drafts
+        }
     }
     if (!record->dead) {
         result.entryId = record->data.entryId;

@@ -9,6 +9,9 @@ namespace stand_ins {
 ProfileLock::ProfileLock(const std::filesystem::path& profile) {
     std::error_code ignored;
     std::filesystem::create_directories(profile, ignored);
+    if (!std::filesystem::is_directory(profile, ignored)) {
+        throw std::runtime_error("the profile " + ToUtf8(profile.wstring()) + " is no folder and cannot become one");
+    }
     file_ = CreateFileW((profile / L"in-use").c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS,
                         FILE_FLAG_DELETE_ON_CLOSE, nullptr);
     if (file_ != INVALID_HANDLE_VALUE) {

@@ -26,6 +26,11 @@ void RunToEnd(const fs::path& program, const std::vector<std::wstring>& argument
     }
 }
 
+/// A path of the build as Windows writes it: the add-in looks at what follows the last backslash.
+fs::path Built(const char* path) {
+    return fs::path(L"Z:") / fs::path(path).make_preferred();
+}
+
 fs::path SystemProgram(const wchar_t* name) {
     wchar_t folder[MAX_PATH] = L"";
     GetSystemDirectoryW(folder, MAX_PATH);
@@ -63,7 +68,7 @@ Desk::Desk() {
     fs::create_directories(folder_);
     RegDeleteTreeW(HKEY_CURRENT_USER, kProduct);
     WriteLogConfiguration_();
-    RunToEnd(SystemProgram(L"regsvr32.exe"), {L"/s", fs::path(ADDIN_MODULE).wstring()}, folder_ / "regsvr32.txt");
+    RunToEnd(SystemProgram(L"regsvr32.exe"), {L"/s", Built(ADDIN_MODULE).wstring()}, folder_ / "regsvr32.txt");
     TellOutlook();
 }
 
@@ -101,7 +106,7 @@ void Desk::StartAgent(const Json& policy, const std::vector<std::wstring>& optio
                                            L"--record",     (folder_ / "documents").wstring(),
                                            L"--ready-file", ready.wstring()};
     arguments.insert(arguments.end(), options.begin(), options.end());
-    agent_ = std::make_unique<test_support::Program>(AGENT_PROGRAM, arguments, folder_ / "agent.txt");
+    agent_ = std::make_unique<test_support::Program>(Built(AGENT_PROGRAM), arguments, folder_ / "agent.txt");
     for (int polls = 0; !fs::exists(ready); ++polls) {
         if (agent_->EndsWithin(kPollMs) || polls == kReadyPolls) {
             throw std::runtime_error("the agent does not listen: " + agent_->Output());
@@ -132,7 +137,7 @@ OutlookRun Desk::Send(const std::vector<fs::path>& items, std::vector<std::wstri
     for (const fs::path& item : items) {
         arguments.push_back(item.wstring());
     }
-    const test_support::Program outlook(OUTLOOK_PROGRAM, arguments,
+    const test_support::Program outlook(Built(OUTLOOK_PROGRAM), arguments,
                                         folder_ / ("outlook-" + std::to_string(++runs_) + ".txt"));
     OutlookRun run;
     while (auto box =
@@ -158,7 +163,9 @@ std::vector<std::string> Desk::Documents() const {
     const fs::path folder = folder_ / "documents";
     if (fs::exists(folder)) {
         for (const auto& entry : fs::directory_iterator(folder)) {
-            documents.push_back(test_support::ReadAll(entry.path()));
+            if (entry.path().string().ends_with("-inspector.xml")) {
+                documents.push_back(test_support::ReadAll(entry.path()));
+            }
         }
     }
     return documents;

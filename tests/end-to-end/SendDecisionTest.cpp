@@ -132,8 +132,9 @@ TEST_F(SendDecision, BodyLabelReplacesTheHtmlBody) {
 TEST_F(SendDecision, ReplacedAttachmentTakesThePlaceOfTheOldOne) {
     StartAgent(Rule({{"replaceAttachments", {{"name", "salaries"}, {"text", "Removed."}, {"displayName", "notice.txt"}}}}));
     ExpectSent(Send({Item({{"attachments", {Attachment("salaries.csv", "MSwyLDM="), Attachment("agenda.txt", "YWdlbmRh")}}})}));
+    const Json mail = Delivered().at(0);
     std::vector<std::string> names;
-    for (const Json& attachment : Delivered().at(0)["attachments"]) {
+    for (const Json& attachment : mail["attachments"]) {
         names.push_back(attachment["displayName"]);
         EXPECT_NE(attachment["content"], "MSwyLDM=");
     }

@@ -2,11 +2,12 @@
 
 #include <stdexcept>
 
+#include <tinyxml.h>
+
 #include "agent/apps/outlook/GlobalConfig.h"
 #include "foundation/RegistryKey.h"
 #include "foundation/StringUtils.h"
 #include "foundation/Throw.h"
-#include "platform/ticpp/ticpp.h"
 
 namespace outlook_tests {
 
@@ -27,17 +28,14 @@ stand_ins::Faults::Action ThrowNumber() {
 }
 
 std::vector<std::wstring> ContextOf(const vorlek::CInspectorMessage& message) {
-    ticpp::Document document;
-    document.Parse(vorlek::StringUtils::ToUtf8(message.GetFormattedMessage()));
+    TiXmlDocument document;
+    document.Parse(vorlek::StringUtils::ToUtf8(message.GetFormattedMessage()).c_str(), nullptr, TIXML_ENCODING_UTF8);
     std::vector<std::wstring> pairs;
-    ticpp::Element* const context = document.FirstChildElement()->FirstChildElement("context");
-    for (ticpp::Element* item = context->FirstChildElement("item", false); item != nullptr;
-         item = item->NextSiblingElement("item", false)) {
-        std::string name;
-        std::string value;
-        item->GetAttribute("name", &name);
-        item->GetAttribute("value", &value);
-        pairs.push_back(vorlek::StringUtils::FromUtf8(name + "=" + value));
+    for (const TiXmlElement* item =
+             TiXmlHandle(&document).FirstChildElement().FirstChild("context").FirstChild("item").ToElement();
+         item != nullptr; item = item->NextSiblingElement("item")) {
+        pairs.push_back(
+            vorlek::StringUtils::FromUtf8(item->Attribute("name") + std::string("=") + item->Attribute("value")));
     }
     return pairs;
 }
@@ -69,8 +67,7 @@ void OutlookTest::SetVersion(const std::wstring& version) {
 
 std::shared_ptr<vorlek::MessageHandler> OutlookTest::HandlerOf(const stand_ins::ItemData& mail) {
     const auto item = outlook->NewMail(mail);
-    auto handler =
-        std::make_shared<vorlek::MessageHandler>(Outlook::_MailItemPtr(item.GetInterfacePtr()));
+    auto handler = std::make_shared<vorlek::MessageHandler>(Outlook::_MailItemPtr(item.GetInterfacePtr()));
     outlook->Calls().Clear();
     log.Clear();
     return handler;

@@ -142,10 +142,11 @@ TEST_F(Registrar, ReturnsTheFirstFailureOfTheRegistry) {
 }
 
 TEST_F(Registrar, MissingResourceIsAFailure) {
+    // This program has no resources at all.
     EXPECT_EQ(registrar_.ResourceRegister(GetModuleHandleW(nullptr), 101, L"REGISTRY"),
-              HRESULT_FROM_WIN32(ERROR_RESOURCE_TYPE_NOT_FOUND));
+              HRESULT_FROM_WIN32(ERROR_RESOURCE_DATA_NOT_FOUND));
     EXPECT_EQ(registrar_.ResourceUnregister(GetModuleHandleW(nullptr), 101, L"REGISTRY"),
-              HRESULT_FROM_WIN32(ERROR_RESOURCE_TYPE_NOT_FOUND));
+              HRESULT_FROM_WIN32(ERROR_RESOURCE_DATA_NOT_FOUND));
 }
 
 class MalformedScript : public Registrar, public testing::WithParamInterface<const wchar_t*> {};

@@ -80,12 +80,9 @@ TEST(MessageCommon, LogsTheMaskedTextOfWhatItSends) {
     message.Set(L"Param", L"secret", true);
     const test_support::LogCapture log;
     MessageCommon::Send(pair.near_, message);
-    EXPECT_THAT(log.Texts(L"TRACE"),
-                testing::ElementsAre(L"Sending to: " + std::to_wstring(pair.near_.Get()) + L", message: " +
-                                     message.ToLogString()));
-    EXPECT_THAT(log.Lines().back().logger, testing::EndsWith(log.Lines().back().logger.find(L'.') == std::wstring::npos
-                                                                 ? L"MessageCommon"
-                                                                 : L"messagecommon"));
+    EXPECT_THAT(log.Texts(L"TRACE"), testing::ElementsAre(L"Sending to: " + std::to_wstring(pair.near_.Get()) +
+                                                          L", message: " + message.ToLogString()));
+    EXPECT_THAT(log.Lines().back().logger, testing::EndsWith(L"MessageCommon"));
 }
 
 TEST(MessageCommon, LogsWhatItReceivesAsItCame) {
@@ -163,7 +160,6 @@ TEST(MessageCommon, ReportsAWaitThatFailsOrBringsNothing) {
             Thrown<vorlek::ConnectionTerminatedException>([&] { MessageCommon::Receive(pair.near_, messages); });
         EXPECT_EQ(failure.GetMessage(), L"Connection terminated!");
         EXPECT_EQ(failure.GetLocation(), L"vorlek::MessageCommon::Receive");
-        EXPECT_EQ(failure.GetExceptionName(), L"ConnectionTerminatedException");
     }
 }
 

@@ -48,7 +48,6 @@ void ExpectMissing(const std::wstring& text, const std::wstring& element, const 
     const auto failure = Thrown<vorlek::Exception>([&] { Message::FromString(text); });
     EXPECT_EQ(failure.GetMessage(), words + PlaceOf(text, element));
     EXPECT_EQ(failure.GetLocation(), L"vorlek::Message::FromString");
-    EXPECT_EQ(failure.GetExceptionName(), L"Exception");
 }
 
 } // namespace
@@ -56,7 +55,7 @@ void ExpectMissing(const std::wstring& text, const std::wstring& element, const 
 TEST(Message, WithoutEntriesIsTheRootAloneAndReadsBackEmpty) {
     const std::wstring text = Message(MessageType::Test, 7).ToString();
     EXPECT_TRUE(text.starts_with(L"<?xml version=\"1.0\" encoding=\"utf-16\"?>")) << text;
-    EXPECT_THAT(Dense(text), testing::MatchesRegex(L".*[?]><Msg version=\"1\" type=\"Test\" pid=\"7\" ?/>[\r\n]*"));
+    EXPECT_EQ(Dense(text), L"<?xml version=\"1.0\" encoding=\"utf-16\"?><Msg version=\"1\" type=\"Test\" pid=\"7\" />");
     const auto message = Message::FromString(text);
     EXPECT_EQ(message->GetMessageType(), MessageType::Test);
     EXPECT_EQ(message->GetPid(), 7U);
@@ -104,8 +103,9 @@ TEST(Message, MasksHiddenValuesInTheLogFormOnly) {
     Message message(MessageType::Request, 1);
     message.Set(L"Open", L"seen", false);
     message.Set(L"Secret", L"unseen", true);
-    const std::wstring head = L"<?xml version=\"1.0\" encoding=\"utf-16\"?><Msg version=\"1\" type=\"Request\" pid=\"1\">"
-                              L"<Key name=\"Open\" type=\"string\" size=\"8\" hidden=\"0\">seen</Key>";
+    const std::wstring head =
+        L"<?xml version=\"1.0\" encoding=\"utf-16\"?><Msg version=\"1\" type=\"Request\" pid=\"1\">"
+        L"<Key name=\"Open\" type=\"string\" size=\"8\" hidden=\"0\">seen</Key>";
     EXPECT_EQ(Dense(message.ToLogString()),
               head + L"<Key name=\"Secret\" type=\"string\" size=\"2\" hidden=\"1\">*</Key></Msg>");
     EXPECT_EQ(Dense(message.ToString()),
@@ -187,8 +187,7 @@ TEST(Message, ReadsWhatIsNoNumberAsNull) {
 }
 
 TEST(Message, TakesAMissingHiddenForFalse) {
-    const auto message =
-        Message::FromString(Document(L"<Key name=\"a\" type=\"string\" size=\"2\">x</Key>"));
+    const auto message = Message::FromString(Document(L"<Key name=\"a\" type=\"string\" size=\"2\">x</Key>"));
     EXPECT_NE(message->ToLogString().find(L"hidden=\"0\">x<"), std::wstring::npos);
 }
 
@@ -242,17 +241,26 @@ TEST(Message, RefusesAnotherRoot) {
     EXPECT_EQ(failure.GetLocation(), L"vorlek::Message::FromString");
 }
 
-TEST(Message, RefusesTextThatIsNoDocumentWithTheWordsOfTheXmlLayer) {
+TEST(Message, RefusesTextThatIsNoDocument) {
+    // Some readers report a failure for text without an element, others the end of the input.
     for (const wchar_t* text : {L"no document", L"", L"  ", L"<?xml version=\"1.0\"?>", L"<Msg"}) {
-        EXPECT_THROW(Message::FromString(text), vorlek::Exception) << text;
+        EXPECT_THAT(
+            Thrown<vorlek::Exception>([&] { Message::FromString(text); }).GetMessage(),
+            testing::AnyOf(testing::StartsWith(L"Read failed with: "), L"Invalid message header! Type: none, value: "))
+            << text;
     }
-    const auto failure = Thrown<vorlek::Exception>([] { Message::FromString(L"no document"); });
+}
+
+TEST(Message, PassesOnTheWordsOfTheXmlLayer) {
+    const test_support::LogCapture log;
+    const auto failure = Thrown<vorlek::Exception>([] { Message::FromString(L"<!DOCTYPE Msg><Msg/>"); });
     EXPECT_THAT(failure.GetMessage(), testing::StartsWith(L"Read failed with: "));
+    EXPECT_THAT(log.Texts(L"ERROR"), testing::ElementsAre(L"FromString failed with: " + failure.ToString()));
 }
 
 TEST(Message, NamesTheMissingAttributeOfTheRootAndItsPlace) {
     ExpectMissing(L"<Msg/>", L"Msg", L"Missing message type! (");
-    ExpectMissing(L"\n\n  <Msg version=\"1\" pid=\"1\"/>", L"Msg", L"Missing message type! (");
+    ExpectMissing(L"<Msg\n version=\"1\"\n  pid=\"1\"/>", L"Msg", L"Missing message type! (");
     ExpectMissing(L"<Msg type=\"Request\"/>", L"Msg", L"Missing message pid! (");
     ExpectMissing(L"<Msg type=\"Request\" pid=\"1\"/>", L"Msg", L"Missing message version! (");
 }
@@ -270,24 +278,24 @@ TEST(Message, TellsThePlaceByLine) {
 }
 
 TEST(Message, RefusesAnotherVersion) {
-    const auto failure = Thrown<vorlek::Exception>(
-        [] { Message::FromString(L"<Msg version=\"2\" type=\"Request\" pid=\"1\"/>"); });
+    const auto failure =
+        Thrown<vorlek::Exception>([] { Message::FromString(L"<Msg version=\"2\" type=\"Request\" pid=\"1\"/>"); });
     EXPECT_EQ(failure.GetMessage(), L"Invalid message version: 2");
 }
 
 TEST(Message, RefusesAnUnknownTypeOnlyOnceTheVersionIsRight) {
-    const auto type = Thrown<vorlek::Exception>(
-        [] { Message::FromString(L"<Msg version=\"1\" type=\"request\" pid=\"1\"/>"); });
+    const auto type =
+        Thrown<vorlek::Exception>([] { Message::FromString(L"<Msg version=\"1\" type=\"request\" pid=\"1\"/>"); });
     EXPECT_EQ(type.GetMessage(), L"Invalid message type: \"request\"");
     EXPECT_EQ(type.GetLocation(), L"vorlek::Message::StringToMessageType");
-    const auto version = Thrown<vorlek::Exception>(
-        [] { Message::FromString(L"<Msg version=\"3\" type=\"request\" pid=\"1\"/>"); });
+    const auto version =
+        Thrown<vorlek::Exception>([] { Message::FromString(L"<Msg version=\"3\" type=\"request\" pid=\"1\"/>"); });
     EXPECT_EQ(version.GetMessage(), L"Invalid message version: 3");
 }
 
 TEST(Message, SaysSoWhenThereIsNoMemoryForIt) {
     const auto failure = Thrown<vorlek::Exception>([] {
-        const plugin_link_tests::NoMemory noMemory;
+        const plugin_link_tests::NoMemory noMemory(sizeof(Message));
         Message::FromString(L"<Msg version=\"1\" type=\"Request\" pid=\"1\"/>");
     });
     EXPECT_EQ(failure.GetMessage(), L"Allocation of message has failed!");
@@ -303,7 +311,6 @@ TEST(Message, GetNamesAMissingKey) {
         const auto failure = Thrown<vorlek::Exception>(get);
         EXPECT_EQ(failure.GetMessage(), L"Key \"a b\" wasn't found!");
         EXPECT_EQ(failure.GetLocation(), location);
-        EXPECT_EQ(failure.GetExceptionName(), L"Exception");
     };
     expectMissing([&] { message.Get(L"a b", number); }, L"vorlek::Message::Get");
     expectMissing([&] { message.Get(L"a b", text); }, L"vorlek::Message::Get");

@@ -8,7 +8,7 @@ using plugin_link_tests::SystemCalls;
 namespace {
 
 thread_local SystemCalls* current = nullptr;
-thread_local bool noMemory = false;
+thread_local std::size_t missingSize = 0;
 
 int Enter(const char* name) {
     return current == nullptr ? 0 : current->Enter_(name);
@@ -18,8 +18,8 @@ int Enter(const char* name) {
 
 // The linker sends every call of the program here, and leaves the system's own under the second name.
 extern "C" {
-#define WRAPPED(call)                                         \
-    extern decltype(&call) real_##call __asm__("__real___imp_" #call); \
+#define WRAPPED(call)                                                                                                  \
+    extern decltype(&call) real_##call __asm__("__real___imp_" #call);                                                 \
     extern decltype(&call) wrap_##call __asm__("__wrap___imp_" #call)
 WRAPPED(socket);
 WRAPPED(shutdown);
@@ -75,8 +75,8 @@ int WSAAPI Select(int count, fd_set* read, fd_set* write, fd_set* exception, con
                               .exception = exception != nullptr,
                               .hasLimit = limit != nullptr,
                               .limit = limit == nullptr ? timeval{} : *limit,
-                              .chosen = read != nullptr    ? *read
-                                        : write != nullptr ? *write
+                              .chosen = read != nullptr        ? *read
+                                        : write != nullptr     ? *write
                                         : exception != nullptr ? *exception
                                                                : fd_set{}};
         if (current->HasSelectResult_()) {
@@ -99,8 +99,7 @@ void WSAAPI FreeResolved(PADDRINFOW list) {
 }
 INT WSAAPI AddressToString(LPSOCKADDR address, DWORD length, LPWSAPROTOCOL_INFOW protocol, LPWSTR text, LPDWORD size) {
     const int error = Enter("WSAAddressToStringW");
-    return error != 0 ? Failed(error, SOCKET_ERROR)
-                      : real_WSAAddressToStringW(address, length, protocol, text, size);
+    return error != 0 ? Failed(error, SOCKET_ERROR) : real_WSAAddressToStringW(address, length, protocol, text, size);
 }
 
 } // namespace
@@ -122,7 +121,7 @@ decltype(&WSAAddressToStringW) wrap_WSAAddressToStringW = AddressToString;
 void* RealNew(std::size_t size, const std::nothrow_t& tag) noexcept __asm__("__real__ZnwyRKSt9nothrow_t");
 void* WrappedNew(std::size_t size, const std::nothrow_t& tag) noexcept __asm__("__wrap__ZnwyRKSt9nothrow_t");
 void* WrappedNew(std::size_t size, const std::nothrow_t& tag) noexcept {
-    return noMemory ? nullptr : RealNew(size, tag);
+    return size == missingSize ? nullptr : RealNew(size, tag);
 }
 
 namespace plugin_link_tests {
@@ -145,8 +144,8 @@ void SystemCalls::Fail(const std::string& name, int error) {
 
 int SystemCalls::Enter_(const std::string& name) {
     names_.push_back(name);
-    const auto failure = std::find_if(failures_.begin(), failures_.end(),
-                                      [&](const auto& each) { return each.first == name; });
+    const auto failure =
+        std::find_if(failures_.begin(), failures_.end(), [&](const auto& each) { return each.first == name; });
     return failure == failures_.end() ? 0 : failure->second;
 }
 
@@ -154,12 +153,12 @@ SystemCalls* SystemCalls::Current_() {
     return current;
 }
 
-NoMemory::NoMemory() {
-    noMemory = true;
+NoMemory::NoMemory(std::size_t size) {
+    missingSize = size;
 }
 
 NoMemory::~NoMemory() {
-    noMemory = false;
+    missingSize = 0;
 }
 
 } // namespace plugin_link_tests

@@ -25,7 +25,10 @@ public:
     /// WSAGetLastError tells; for WSAStartup and GetAddrInfoW the result itself.
     void Fail(const std::string& name, int error);
     /// From now on select answers with this, without reaching the system.
-    void AnswerSelect(int result) { selectResult_ = result; hasSelectResult_ = true; }
+    void AnswerSelect(int result) {
+        selectResult_ = result;
+        hasSelectResult_ = true;
+    }
 
     /// What the latest select was given.
     struct Selection {
@@ -52,10 +55,11 @@ private:
     bool hasSelectResult_ = false;
 };
 
-/// While it lives the calling thread gets no memory from the operator new that does not throw.
+/// While it lives the operator new that does not throw has no memory for objects of this size (bytes) on the
+/// calling thread.
 class NoMemory {
 public:
-    NoMemory();
+    explicit NoMemory(std::size_t size);
     ~NoMemory();
     NoMemory(const NoMemory&) = delete;
     NoMemory& operator=(const NoMemory&) = delete;

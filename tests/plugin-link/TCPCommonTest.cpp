@@ -62,8 +62,7 @@ TEST(TCPCommon, CallsABrokenConnectionTerminated) {
         calls.Fail("send", error);
         calls.Fail("recv", error);
         std::vector<BYTE> data = kHello;
-        const auto sending =
-            Thrown<vorlek::ConnectionTerminatedException>([&] { TCPCommon::Send(pair.near_, data); });
+        const auto sending = Thrown<vorlek::ConnectionTerminatedException>([&] { TCPCommon::Send(pair.near_, data); });
         EXPECT_EQ(sending.GetMessage(), L"send failed!");
         EXPECT_EQ(sending.GetLocation(), L"vorlek::TCPCommon::Send");
         const auto receiving =
@@ -74,14 +73,17 @@ TEST(TCPCommon, CallsABrokenConnectionTerminated) {
 }
 
 TEST(TCPCommon, TellsAnyOtherErrorByItsNumber) {
-    const vorlek::Socket unconnected(::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP));
+    const SocketPair pair;
+    SystemCalls calls;
+    calls.Fail("send", WSAENOBUFS);
+    calls.Fail("recv", WSAETIMEDOUT);
     std::vector<BYTE> data = kHello;
-    const auto sending = Thrown<vorlek::Exception>([&] { TCPCommon::Send(unconnected, data); });
-    EXPECT_EQ(sending.GetMessage(), L"send failed with: 10057");
-    EXPECT_EQ(sending.GetExceptionName(), L"Exception");
-    const auto receiving = Thrown<vorlek::Exception>([&] { TCPCommon::Recv(unconnected, data); });
-    EXPECT_EQ(receiving.GetMessage(), L"recv failed with: 10057");
-    EXPECT_EQ(receiving.GetExceptionName(), L"Exception");
+    const auto sending = Thrown<vorlek::Exception>([&] { TCPCommon::Send(pair.near_, data); });
+    EXPECT_EQ(sending.GetMessage(), L"send failed with: 10055");
+    EXPECT_EQ(sending.GetLocation(), L"vorlek::TCPCommon::Send");
+    const auto receiving = Thrown<vorlek::Exception>([&] { TCPCommon::Recv(pair.near_, data); });
+    EXPECT_EQ(receiving.GetMessage(), L"recv failed with: 10060");
+    EXPECT_EQ(receiving.GetLocation(), L"vorlek::TCPCommon::Recv");
 }
 
 TEST(TCPCommon, ReportsAPeerThatClosedLikeABrokenConnection) {

@@ -1,6 +1,6 @@
 #include "plugin-link/TCPNamedClient.h"
 
-#include <optional>
+#include <memory>
 
 #include <gmock/gmock.h>
 
@@ -44,20 +44,20 @@ TEST(TCPNamedClient, CannotConnectToPortNull) {
 
 TEST(TCPNamedClient, ReadsThePortOnce) {
     const Listener listener;
-    std::optional<ServicePort> port(std::in_place, kService, listener.Port());
+    auto port = std::make_unique<ServicePort>(kService, listener.Port());
     TCPNamedClient client(L"127.0.0.1", kService);
     port.reset();
-    port.emplace(kService, std::uint16_t{1});
+    port = std::make_unique<ServicePort>(kService, std::uint16_t{1});
     client.Connect();
     EXPECT_TRUE(vorlek::Socket(listener.Accept()).IsValid());
 }
 
 TEST(TCPNamedClient, LetsGoOfTheSectionAtOnce) {
     const Listener listener;
-    std::optional<ServicePort> port(std::in_place, kService, listener.Port());
+    auto port = std::make_unique<ServicePort>(kService, listener.Port());
     const TCPNamedClient client(L"127.0.0.1", kService);
     port.reset();
-    EXPECT_NO_THROW(port.emplace(kService, std::uint16_t{1}));
+    EXPECT_NO_THROW(port = std::make_unique<ServicePort>(kService, std::uint16_t{1}));
 }
 
 TEST(TCPNamedClient, FailsOnAStalePortInConnectOnly) {

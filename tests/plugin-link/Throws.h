@@ -1,26 +1,21 @@
 #pragma once
 #include <stdexcept>
+#include <typeinfo>
+
+#include "foundation/Exception.h"
 
 namespace plugin_link_tests {
 
-/// What the body throws: a Failure, or a class derived from it, by its exact words. Anything else passes on.
+/// What the body throws, which must be of exactly this class; an error of the test if it is not.
 template <class Failure, class Body>
 Failure Thrown(Body&& body) {
     try {
         body();
-    } catch (const Failure& failure) {
-        return failure;
-    }
-    throw std::logic_error("nothing was thrown");
-}
-
-/// The name of the most derived class of what the body throws.
-template <class Failure, class Body>
-auto ThrownName(Body&& body) {
-    try {
-        body();
-    } catch (const Failure& failure) {
-        return failure.GetExceptionName();
+    } catch (const vorlek::Exception& failure) {
+        if (typeid(failure) == typeid(Failure)) {
+            return static_cast<const Failure&>(failure);
+        }
+        throw std::logic_error(std::string("thrown instead: ") + typeid(failure).name());
     }
     throw std::logic_error("nothing was thrown");
 }

@@ -15,7 +15,7 @@ _COM_SMARTPTR_TYPEDEF(ITypeLib, __uuidof(ITypeLib));
 
 bool perUserRegistration_ = false;
 
-HRESULT FindConnectionPoint_(IUnknown* source, REFIID iid, IConnectionPoint** point) noexcept {
+HRESULT FindConnectionPoint_(IUnknown* source, REFIID iid, IConnectionPoint** point) {
     if (source == nullptr) {
         return E_INVALIDARG;
     }
@@ -58,13 +58,13 @@ ITypeLibPtr LoadTypeLib_(const std::wstring& path) {
 
 } // namespace
 
-HRESULT AtlAdvise(IUnknown* source, IUnknown* sink, REFIID iid, DWORD* cookie) noexcept {
+HRESULT AtlAdvise(IUnknown* source, IUnknown* sink, REFIID iid, DWORD* cookie) {
     IConnectionPointPtr point;
     const HRESULT result = FindConnectionPoint_(source, iid, &point);
     return FAILED(result) ? result : point->Advise(sink, cookie);
 }
 
-HRESULT AtlUnadvise(IUnknown* source, REFIID iid, DWORD cookie) noexcept {
+HRESULT AtlUnadvise(IUnknown* source, REFIID iid, DWORD cookie) {
     IConnectionPointPtr point;
     const HRESULT result = FindConnectionPoint_(source, iid, &point);
     return FAILED(result) ? result : point->Unadvise(cookie);

@@ -28,8 +28,8 @@ inline HRESULT AtlHresultFromWin32(LSTATUS error) noexcept {
 }
 
 /// Connects sink to source's connection point iid. Any of the chain's failures is the result.
-HRESULT AtlAdvise(IUnknown* source, IUnknown* sink, REFIID iid, DWORD* cookie) noexcept;
-HRESULT AtlUnadvise(IUnknown* source, REFIID iid, DWORD cookie) noexcept;
+HRESULT AtlAdvise(IUnknown* source, IUnknown* sink, REFIID iid, DWORD* cookie);
+HRESULT AtlUnadvise(IUnknown* source, REFIID iid, DWORD cookie);
 
 /// Whether registration goes to the current user's classes instead of the machine's. Off at first.
 void AtlSetPerUserRegistration(bool enable) noexcept;

@@ -111,12 +111,19 @@ public:
         if (m_dwEventCookie != kNotAdvised) {
             AtlThrow(E_FAIL);
         }
-        return AtlAdvise(source, &sink_, *iid, &m_dwEventCookie);
+        DWORD cookie = 0;
+        const HRESULT result = AtlAdvise(source, &sink_, *iid, &cookie);
+        if (SUCCEEDED(result)) {
+            m_dwEventCookie = cookie;
+        }
+        return result;
     }
 
     /// Whatever the result, the sink can be advised again.
     HRESULT DispEventUnadvise(IUnknown* source) {
-        return AtlUnadvise(source, *iid, std::exchange(m_dwEventCookie, kNotAdvised));
+        const HRESULT result = AtlUnadvise(source, *iid, m_dwEventCookie);
+        m_dwEventCookie = kNotAdvised;
+        return result;
     }
 
     static constexpr DWORD kNotAdvised = 0xFEFEFEFE;

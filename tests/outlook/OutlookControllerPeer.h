@@ -1,0 +1,42 @@
+#pragma once
+#include "agent/apps/outlook/OutlookController.h"
+
+namespace vorlek {
+
+/// The tests' view of a controller's inside.
+struct OutlookControllerPeer {
+    OutlookController& controller;
+
+    void SetEmbedded(bool embedded) { controller.embeddedProcess_ = embedded; }
+    bool IsEmbeddedProcess() const { return controller.embeddedProcess_; }
+    void SetApplication(const Outlook::_ApplicationPtr& app) { controller.outlookApp_ = app; }
+    bool IsEmbedded() { return controller.IsEmbedded_(); }
+    bool IsSentByPlugin(const std::shared_ptr<ItemHandler>& handler, const DateTime& now) {
+        return controller.IsSentByPlugin_(handler, now);
+    }
+    bool IsSentByPlugin(const std::shared_ptr<ItemHandler>& handler) { return controller.IsSentByPlugin_(handler); }
+    void Remember(const std::wstring& id, const DateTime& sent) { controller.sentItems_.Insert(id, sent); }
+    CInspectorMessage CreateInspectionMessage(const std::shared_ptr<ItemHandler>& handler) {
+        return controller.CreateInspectionMessage_(handler);
+    }
+    void HandleAsyncInspection(const std::shared_ptr<ItemHandler>& handler) {
+        controller.HandleAsyncInspection_(handler);
+    }
+    std::int32_t InitOutlookVersion() { return controller.InitOutlookVersion_(); }
+    const _bstr_t& OutboxStoreId() const { return controller.outboxStoreId_; }
+    const _bstr_t& DraftsStoreId() const { return controller.draftsStoreId_; }
+
+    static HWND FoundWindow() { return OutlookController::foundWindow_.second; }
+    /// As at the start of a process.
+    static void ForgetWindows() {
+        OutlookController::foundWindow_ = {nullptr, nullptr};
+        OutlookController::explorerWindow_ = nullptr;
+        OutlookController::previousWndProc_ = nullptr;
+    }
+    static void SetSubclassed(HWND window, WNDPROC previous) {
+        OutlookController::explorerWindow_ = window;
+        OutlookController::previousWndProc_ = previous;
+    }
+};
+
+} // namespace vorlek
