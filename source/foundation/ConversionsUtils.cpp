@@ -50,8 +50,7 @@ struct LocalDeleter {
     void operator()(void* memory) const { LocalFree(memory); }
 };
 
-void LogError_(const char* format, const char* function,
-               std::source_location site = std::source_location::current()) {
+void LogError_(const char* format, const char* function, std::source_location site = std::source_location::current()) {
     LogLegacy(kLegacyCategory, kLegacyError, format, site.file_name(), function, static_cast<int>(site.line()),
               function);
 }
