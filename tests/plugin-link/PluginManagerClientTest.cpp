@@ -4,6 +4,7 @@
 
 #include "plugin-link/Exceptions.h"
 #include "plugin-link/ServicePort.h"
+#include "plugin-link/WinsockInit.h"
 #include "stand-ins/agent/Agent.h"
 #include "tests/plugin-link/SocketPair.h"
 #include "tests/plugin-link/SystemCalls.h"
@@ -208,6 +209,7 @@ TEST(PluginManagerClient, ReceivesAnAnswerInOddPieces) {
 
 TEST(PluginManagerClient, MakesTheCallsOfAWholeExchangeInTheirOrder) {
     const Answering agent(Answer::Text(L""));
+    vorlek::WinsockInit();
     const SystemCalls calls;
     Call();
     std::vector<std::string> names = calls.Names();
