@@ -4,8 +4,6 @@
 
 #include "foundation/Exception.h"
 #include "foundation/PathUtils.h"
-#include "platform/Windows.h"
-
 #include <shellapi.h>
 
 namespace vorlek {
@@ -24,12 +22,12 @@ void RemoveFileFrom(ThrowSite site, const std::wstring& path) {
         if (attributes == INVALID_FILE_ATTRIBUTES ||
             !SetFileAttributesW(fixed.c_str(), attributes & ~static_cast<DWORD>(FILE_ATTRIBUTE_READONLY)) ||
             !DeleteFileW(fixed.c_str())) {
-            Throw<UnauthorizedAccessException>(site, L"Failed to remove file <", path, L">");
+            RaiseRemovalFailure(site, path, ERROR_ACCESS_DENIED);
         }
         return;
     }
     default:
-        Throw<IOException>(site, L"Failed to remove file <", path, L"> error: ", error);
+        RaiseRemovalFailure(site, path, error);
     }
 }
 
@@ -54,6 +52,13 @@ void RemovePathFrom(ThrowSite site, const std::wstring& path) {
         Throw<UnauthorizedAccessException>(site, L"Failed to remove file <", path);
     }
     Throw<IOException>(site, L"Failed to remove path <", path, L"> error: ", error);
+}
+
+void RaiseRemovalFailure(ThrowSite site, const std::wstring& path, DWORD error) {
+    if (error == ERROR_ACCESS_DENIED) {
+        Throw<UnauthorizedAccessException>(site, L"Failed to remove file <", path, L">");
+    }
+    Throw<IOException>(site, L"Failed to remove file <", path, L"> error: ", error);
 }
 
 } // namespace vorlek

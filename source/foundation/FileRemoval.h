@@ -2,6 +2,7 @@
 #include <string>
 
 #include "foundation/Throw.h"
+#include "platform/Windows.h"
 
 namespace vorlek {
 
@@ -9,5 +10,8 @@ namespace vorlek {
 /// failures say they come from.
 void RemoveFileFrom(ThrowSite site, const std::wstring& path);
 void RemovePathFrom(ThrowSite site, const std::wstring& path);
+
+/// Raises UnauthorizedAccessException for ERROR_ACCESS_DENIED, IOException for any other error.
+[[noreturn]] void RaiseRemovalFailure(ThrowSite site, const std::wstring& path, DWORD error);
 
 } // namespace vorlek

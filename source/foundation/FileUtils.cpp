@@ -21,16 +21,9 @@ void FileUtils::DelayedRemoveFile(const std::wstring& path) {
     if (MoveFileExW(PathUtils::FixLongPath(path).c_str(), nullptr, MOVEFILE_DELAY_UNTIL_REBOOT)) {
         return;
     }
-    switch (const DWORD error = GetLastError()) {
-    case ERROR_FILE_NOT_FOUND:
-    case ERROR_PATH_NOT_FOUND:
-        return;
-    case ERROR_ACCESS_DENIED:
-        Throw<UnauthorizedAccessException>(L"vorlek::FileUtils::DelayedRemoveFile", L"Failed to remove file <", path,
-                                           L">");
-    default:
-        Throw<IOException>(L"vorlek::FileUtils::DelayedRemoveFile", L"Failed to remove file <", path, L"> error: ",
-                           error);
+    // No second attempt here: the attributes stay as they are.
+    if (const DWORD error = GetLastError(); error != ERROR_FILE_NOT_FOUND && error != ERROR_PATH_NOT_FOUND) {
+        RaiseRemovalFailure(L"vorlek::FileUtils::DelayedRemoveFile", path, error);
     }
 }
 

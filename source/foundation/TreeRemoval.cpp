@@ -9,8 +9,6 @@
 #include "foundation/Throw.h"
 #include "platform/Windows.h"
 
-#include <shlwapi.h>
-
 namespace vorlek {
 
 namespace {
@@ -25,18 +23,18 @@ void Trail_(const char* format, ...) {
     OutputDebugStringA(line);
 }
 
-void RemoveSingleItem_(const std::wstring& path, const WIN32_FIND_DATAW& item) {
+void RemoveSingleItem_(const std::wstring& path, const WIN32_FIND_DATAW& item, DWORD attributes) {
     if (IsDots(item)) {
         return;
     }
-    if (PathIsDirectoryW(path.c_str())) {
+    if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
         RemoveTree(path, true);
         return;
     }
     SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
     Trail_("Removesinglefile =%S\n", path.c_str());
     const BOOL deleted = DeleteFileW(path.c_str());
-    const DWORD error = GetLastError();
+    const DWORD error = deleted ? ERROR_SUCCESS : GetLastError();
     Trail_("After status=%x,GetLastError=%d,Removesinglefile =%S\n", deleted, error, path.c_str());
     if (!deleted) {
         Trail_("DeleteFile FAILED:After status=%x,GetLastError=%d,Removesinglefile =%S\n", deleted, error,
@@ -45,7 +43,8 @@ void RemoveSingleItem_(const std::wstring& path, const WIN32_FIND_DATAW& item) {
 }
 
 void RemoveItem_(const std::wstring& path, const WIN32_FIND_DATAW& item) {
-    const DWORD attributes = GetFileAttributesW(path.c_str());
+    // A path with the long prefix must not end in a dot: there the listing answers.
+    const DWORD attributes = IsDots(item) ? item.dwFileAttributes : GetFileAttributesW(path.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES) {
         const DWORD error = GetLastError();
         Throw(L"vorlek::FileUtils::RemoveAllFiles", L"GetFileAttributesW has failed with: ", error);
@@ -55,7 +54,7 @@ void RemoveItem_(const std::wstring& path, const WIN32_FIND_DATAW& item) {
         return;
     }
     Trail_("secret:RemoveAllFiles call RemoveSingleItem with file=%S\n", path.c_str());
-    RemoveSingleItem_(path, item);
+    RemoveSingleItem_(path, item, attributes);
     std::string narrow;
     StringUtils::WString2String(path, narrow, CP_ACP);
     Trail_("RemoveAllFiles after removedfile=%s\n", narrow.c_str());
@@ -70,8 +69,7 @@ void RemoveTree(std::wstring path, bool includePath) {
     if (!path.ends_with(L'\\') && !path.ends_with(L'/')) {
         path += L'\\';
     }
-    path = PathUtils::FixLongPath(path);
-    const std::wstring pattern = path + L'*';
+    const std::wstring pattern = PathUtils::FixLongPath(path + L'*');
     WIN32_FIND_DATAW item = {};
     Trail_("RemoveAllFiles FindFirstFile looking for file=.%S.,path=%S\n", pattern.c_str(), path.c_str());
     FindHandle find(FindFirstFileW(pattern.c_str(), &item));
@@ -89,8 +87,9 @@ void RemoveTree(std::wstring path, bool includePath) {
         Throw(L"vorlek::FileUtils::RemoveAllFiles", L"FindFirstFile has failed with: ", error);
     }
     if (includePath) {
-        SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
-        RemoveDirectoryW(path.c_str());
+        const std::wstring directory = PathUtils::FixLongPath(path);
+        SetFileAttributesW(directory.c_str(), FILE_ATTRIBUTE_NORMAL);
+        RemoveDirectoryW(directory.c_str());
         Trail_("RemoveAllFiles removed the path =%S\n", path.c_str());
     }
 }

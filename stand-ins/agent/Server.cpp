@@ -1,5 +1,6 @@
 #include "stand-ins/agent/Server.h"
 
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -18,17 +19,41 @@ void StartWinsock_() {
     }
 }
 
+/// Binds a socket to the loopback address; the address that it got, or nothing.
+std::optional<sockaddr_in> Bound_(SOCKET socket, std::uint16_t port) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(port);
+    int size = sizeof address;
+    if (bind(socket, reinterpret_cast<const sockaddr*>(&address), size) != 0 ||
+        getsockname(socket, reinterpret_cast<sockaddr*>(&address), &size) != 0) {
+        return std::nullopt;
+    }
+    return address;
+}
+
+/// A datagram socket that sends to itself.
+SOCKET NewWakeSocket_() {
+    StartWinsock_();
+    const SOCKET wake = socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP);
+    const auto address = Bound_(wake, 0);
+    if (!address || connect(wake, reinterpret_cast<const sockaddr*>(&*address), sizeof *address) != 0) {
+        closesocket(wake);
+        throw std::runtime_error("Winsock gives no socket: error " + std::to_string(WSAGetLastError()));
+    }
+    return wake;
+}
+
 } // namespace
 
 Server::Server(std::uint16_t port, std::function<void(Connection&)> serve)
-    : serve_(std::move(serve)), stop_(CreateEventW(nullptr, TRUE, FALSE, nullptr)),
-      arrival_(CreateEventW(nullptr, FALSE, FALSE, nullptr)) {
-    StartWinsock_();
+    : serve_(std::move(serve)), stop_(CreateEventW(nullptr, TRUE, FALSE, nullptr)), wake_(NewWakeSocket_()) {
     Bind_(port);
     if (listener_ == INVALID_SOCKET) {
         const int error = WSAGetLastError();
         CloseHandle(stop_);
-        CloseHandle(arrival_);
+        closesocket(wake_);
         throw std::runtime_error("Cannot take port " + std::to_string(port) + " of 127.0.0.1: error " +
                                  std::to_string(error));
     }
@@ -44,12 +69,13 @@ Server::~Server() {
         threads = std::exchange(threads_, {});
     }
     SetEvent(stop_);
+    Wake_();
     for (const HANDLE thread : threads) {
         WaitForSingleObject(thread, INFINITE);
         CloseHandle(thread);
     }
     closesocket(listener_);
-    CloseHandle(arrival_);
+    closesocket(wake_);
     CloseHandle(stop_);
 }
 
@@ -69,11 +95,12 @@ void Server::Listen() {
     if (listener_ == INVALID_SOCKET) {
         Bind_(0);
     }
-    isListening_ = WSAEventSelect(listener_, arrival_, FD_ACCEPT) == 0 && listen(listener_, SOMAXCONN) == 0;
+    u_long isOn = 1;
+    isListening_ = ioctlsocket(listener_, static_cast<long>(FIONBIO), &isOn) == 0 && listen(listener_, SOMAXCONN) == 0;
     if (!isListening_) {
         throw std::runtime_error("Cannot listen: error " + std::to_string(WSAGetLastError()));
     }
-    SetEvent(arrival_);
+    Wake_();
 }
 
 void Server::Refuse() {
@@ -82,6 +109,7 @@ void Server::Refuse() {
         closesocket(listener_);
         isListening_ = false;
         Bind_(port_);
+        Wake_();
     }
 }
 
@@ -114,38 +142,46 @@ void Server::Run_() {
 }
 
 SOCKET Server::Accept_() {
-    const HANDLE events[] = {stop_, arrival_};
+    // Level-triggered, unlike WSAEventSelect, under which Wine now and then forgets to tell of a connection.
+    const Monitor::Hold turn(turn_);
     for (;;) {
+        fd_set readable{1, {wake_}};
         {
             const Monitor::Hold hold(monitor_);
-            const SOCKET socket = isListening_ && !isStopping_ ? accept(listener_, nullptr, nullptr) : INVALID_SOCKET;
-            if (socket != INVALID_SOCKET) {
-                return socket;
+            if (isStopping_) {
+                return INVALID_SOCKET;
+            }
+            if (isListening_) {
+                const SOCKET accepted = accept(listener_, nullptr, nullptr);
+                if (accepted != INVALID_SOCKET) {
+                    return accepted;
+                }
+                readable = {2, {wake_, listener_}};
             }
         }
-        if (WaitForMultipleObjects(2, events, FALSE, INFINITE) != WAIT_OBJECT_0 + 1) {
-            return INVALID_SOCKET;
+        // A listener that is closed in the meantime makes this fail at once, and the next turn does without it.
+        if (select(0, &readable, nullptr, nullptr, nullptr) > 0 && FD_ISSET(wake_, &readable)) {
+            char ignored;
+            recv(wake_, &ignored, 1, 0);
         }
     }
+}
+
+void Server::Wake_() {
+    send(wake_, "", 1, 0);
 }
 
 /// Binds a new socket; listener_ stays invalid if the port is not to be had.
 void Server::Bind_(std::uint16_t port) {
     listener_ = socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    address.sin_port = htons(port);
-    int size = sizeof address;
-    if (bind(listener_, reinterpret_cast<const sockaddr*>(&address), size) != 0) {
-        const int error = WSAGetLastError();
-        closesocket(listener_);
-        listener_ = INVALID_SOCKET;
-        WSASetLastError(error);
+    if (const auto address = Bound_(listener_, port)) {
+        port_ = ntohs(address->sin_port);
         return;
     }
-    getsockname(listener_, reinterpret_cast<sockaddr*>(&address), &size);
-    port_ = ntohs(address.sin_port);
+    const int error = WSAGetLastError();
+    closesocket(listener_);
+    listener_ = INVALID_SOCKET;
+    WSASetLastError(error);
 }
 
 } // namespace stand_ins::agent

@@ -35,11 +35,13 @@ private:
     void Run_();
     SOCKET Accept_();
     void Bind_(std::uint16_t port);
+    void Wake_();
 
     std::function<void(Connection&)> serve_;
     mutable Monitor monitor_;
+    Monitor turn_; ///< held by the thread that waits for a connection
     HANDLE stop_;
-    HANDLE arrival_;
+    SOCKET wake_; ///< a datagram to itself ends the wait for a connection
     SOCKET listener_ = INVALID_SOCKET;
     std::uint16_t port_ = 0;
     bool isListening_ = false;

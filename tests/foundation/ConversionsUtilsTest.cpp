@@ -5,7 +5,10 @@
 #include <gtest/gtest.h>
 
 #include "foundation/Exception.h"
+#include "foundation/Log4CxxHelper.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/ExpectFailure.h"
+#include "tests/support/LogCapture.h"
 
 using test_support::ExpectFailure;
 using vorlek::AllocationFailureException;
@@ -59,6 +62,47 @@ std::vector<BYTE> Bytes_(const std::string& text) {
 }
 
 constexpr BYTE kByte[] = {'x'};
+
+/// Runs the operation of this name in a started log session; returns the lines, level in front.
+std::wstring LegacyLines_(const std::wstring& operation) {
+    vorlek::StartLogSession(L"no such configuration", nullptr, false);
+    const test_support::LogCapture log;
+    BYTE buffer[4] = {};
+    std::size_t size = operation == L"decode no room" ? 0 : 4;
+    try {
+        if (operation == L"encode null") {
+            ConversionsUtils::Base64EncodeData(nullptr, 1);
+        } else if (operation == L"encode nothing") {
+            ConversionsUtils::Base64EncodeData(kByte, 0);
+        } else if (operation == L"decode null") {
+            ConversionsUtils::Base64DecodeData(nullptr, 4, buffer, &size);
+        } else if (operation == L"decode nothing") {
+            ConversionsUtils::Base64DecodeData(L"", 0, buffer, &size);
+        } else if (operation == L"decode no room") {
+            ConversionsUtils::Base64DecodeData(L"Zg==", 4, buffer, &size);
+        } else if (operation == L"swap null") {
+            ConversionsUtils::SwapInPlace(nullptr, 1);
+        } else if (operation == L"swap nothing") {
+            ConversionsUtils::SwapInPlace(buffer, 0);
+        } else {
+            ConversionsUtils::UserStringToSID(operation);
+        }
+    } catch (const Exception&) {
+        // Only the log is looked at here.
+    }
+    std::wstring lines;
+    for (const test_support::LogLine& line : log.Lines()) {
+        lines += line.level + L": " + line.text + L"\n";
+    }
+    return lines;
+}
+
+const test_support::ChildRoleName legacyLinesRole_(L"LegacyLines", LegacyLines_);
+
+/// In a process of its own: a session, once started, stays.
+std::wstring LogOf_(const std::wstring& operation) {
+    return test_support::ChildProcess(L"LegacyLines", operation).Result();
+}
 
 } // namespace
 
@@ -258,4 +302,40 @@ TEST(ConversionsUtils, UnknownAccountsRaise) {
     ExpectFailure<ArgumentException>([] { ConversionsUtils::UserStringToSID(L"nobody of this name"); },
                                      L"vorlek::ConversionsUtils::UserStringToSID",
                                      L"LookupAccountName Failed. Last error is 1332");
+}
+
+TEST(ConversionsUtils, WritesItsComplaintsToTheLegacyLog) {
+    EXPECT_EQ(L"ERROR: (ConversionsUtils::Base64EncodeData)ERROR: NULL pointer to function DataBase64\n",
+              LogOf_(L"encode null"));
+    EXPECT_EQ(L"ERROR: (ConversionsUtils::Base64EncodeData)ERROR: 0 length to function. exit !!!\n",
+              LogOf_(L"encode nothing"));
+    EXPECT_EQ(L"ERROR: (ConversionsUtils::Base64DecodeData)ERROR: NULL input pointer to function Base64DecodeData\n",
+              LogOf_(L"decode null"));
+    EXPECT_EQ(L"ERROR: (ConversionsUtils::Base64DecodeData)ERROR: 0 input length to Base64DecodeData function. "
+              L"exit !!!\n",
+              LogOf_(L"decode nothing"));
+    EXPECT_EQ(L"ERROR: (ConversionsUtils::Base64DecodeData)ERROR: 0 output length to Base64DecodeData function. "
+              L"exit !!!\n",
+              LogOf_(L"decode no room"));
+    EXPECT_EQ(L"ERROR: (ConversionsUtils::SwapInPlace)ERROR: NULL pointer to function SwapInPlace\n",
+              LogOf_(L"swap null"));
+    EXPECT_EQ(L"ERROR: (ConversionsUtils::SwapInPlace)ERROR: 0 length to function. exit !!!\n",
+              LogOf_(L"swap nothing"));
+}
+
+TEST(ConversionsUtils, WritesTheSearchForAnAccountToTheLegacyLog) {
+    EXPECT_EQ(L"INFO: (ConversionsUtils::UserStringToSID) LookupAccountName for name Everyone, size is 12, \n"
+              L"INFO: (ConversionsUtils::UserStringToSID) StringSid is S-1-1-0\n",
+              LogOf_(L"Everyone"));
+}
+
+TEST(ConversionsUtils, WritesAnAccountNotFoundToTheLegacyLog) {
+    const std::wstring log = LogOf_(L"nobody of this name");
+    EXPECT_TRUE(log.starts_with(L"INFO: (ConversionsUtils::UserStringToSID) LookupAccountName for name nobody of this "
+                                L"name, size is 0, \nERROR: (ConversionsUtils::UserStringToSID) Exception: "
+                                L"ConversionsUtils.cpp("))
+        << testing::PrintToString(log);
+    EXPECT_TRUE(log.ends_with(L"): vorlek::ConversionsUtils::UserStringToSID: ArgumentException: LookupAccountName "
+                              L"Failed. Last error is 1332\n"))
+        << testing::PrintToString(log);
 }

@@ -260,7 +260,7 @@ TEST(Message, PassesOnTheWordsOfTheXmlLayer) {
 
 TEST(Message, NamesTheMissingAttributeOfTheRootAndItsPlace) {
     ExpectMissing(L"<Msg/>", L"Msg", L"Missing message type! (");
-    ExpectMissing(L"\n\n  <Msg version=\"1\" pid=\"1\"/>", L"Msg", L"Missing message type! (");
+    ExpectMissing(L"<Msg\n version=\"1\"\n  pid=\"1\"/>", L"Msg", L"Missing message type! (");
     ExpectMissing(L"<Msg type=\"Request\"/>", L"Msg", L"Missing message pid! (");
     ExpectMissing(L"<Msg type=\"Request\" pid=\"1\"/>", L"Msg", L"Missing message version! (");
 }
@@ -295,7 +295,7 @@ TEST(Message, RefusesAnUnknownTypeOnlyOnceTheVersionIsRight) {
 
 TEST(Message, SaysSoWhenThereIsNoMemoryForIt) {
     const auto failure = Thrown<vorlek::Exception>([] {
-        const plugin_link_tests::NoMemory noMemory;
+        const plugin_link_tests::NoMemory noMemory(sizeof(Message));
         Message::FromString(L"<Msg version=\"1\" type=\"Request\" pid=\"1\"/>");
     });
     EXPECT_EQ(failure.GetMessage(), L"Allocation of message has failed!");

@@ -215,7 +215,8 @@ TEST(PluginManagerClient, MakesTheCallsOfAWholeExchangeInTheirOrder) {
     // However many reads the answer took, a wait stands between each two.
     for (std::size_t index = 0; index + 1 < names.size();) {
         if (names[index] == "recv" && names[index + 1] == "select") {
-            names.erase(names.begin() + static_cast<std::ptrdiff_t>(index), names.begin() + static_cast<std::ptrdiff_t>(index) + 2);
+            const auto pair = names.begin() + static_cast<std::ptrdiff_t>(index);
+            names.erase(pair, pair + 2);
         } else {
             ++index;
         }

@@ -8,7 +8,7 @@ using plugin_link_tests::SystemCalls;
 namespace {
 
 thread_local SystemCalls* current = nullptr;
-thread_local bool noMemory = false;
+thread_local std::size_t missingSize = 0;
 
 int Enter(const char* name) {
     return current == nullptr ? 0 : current->Enter_(name);
@@ -122,7 +122,7 @@ decltype(&WSAAddressToStringW) wrap_WSAAddressToStringW = AddressToString;
 void* RealNew(std::size_t size, const std::nothrow_t& tag) noexcept __asm__("__real__ZnwyRKSt9nothrow_t");
 void* WrappedNew(std::size_t size, const std::nothrow_t& tag) noexcept __asm__("__wrap__ZnwyRKSt9nothrow_t");
 void* WrappedNew(std::size_t size, const std::nothrow_t& tag) noexcept {
-    return noMemory ? nullptr : RealNew(size, tag);
+    return size == missingSize ? nullptr : RealNew(size, tag);
 }
 
 namespace plugin_link_tests {
@@ -154,12 +154,12 @@ SystemCalls* SystemCalls::Current_() {
     return current;
 }
 
-NoMemory::NoMemory() {
-    noMemory = true;
+NoMemory::NoMemory(std::size_t size) {
+    missingSize = size;
 }
 
 NoMemory::~NoMemory() {
-    noMemory = false;
+    missingSize = 0;
 }
 
 } // namespace plugin_link_tests

@@ -52,10 +52,11 @@ private:
     bool hasSelectResult_ = false;
 };
 
-/// While it lives the calling thread gets no memory from the operator new that does not throw.
+/// While it lives the operator new that does not throw has no memory for objects of this size (bytes) on the
+/// calling thread.
 class NoMemory {
 public:
-    NoMemory();
+    explicit NoMemory(std::size_t size);
     ~NoMemory();
     NoMemory(const NoMemory&) = delete;
     NoMemory& operator=(const NoMemory&) = delete;
