@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <fstream>
@@ -15,7 +16,9 @@ namespace {
 
 using namespace stand_ins;
 
-void Say(const std::wstring& line) {
+// One line for one thing told, whatever a subject holds.
+void Say(std::wstring line) {
+    std::ranges::replace_if(line, [](wchar_t c) { return c < L' '; }, L' ');
     std::printf("%s\n", ToUtf8(line).c_str());
     std::fflush(stdout);
 }
