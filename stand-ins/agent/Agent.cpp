@@ -62,9 +62,11 @@ Answer Answer::Bytes(std::string bytes) {
 class Agent::Impl {
 public:
     explicit Impl(AgentOptions options)
-        : log_(options.log), inspected_(std::move(options.inspected)),
+        : log_(options.log),
+          inspected_(std::move(options.inspected)),
           service_(WorkFolder_(options.workFolder), options.recordFolder, std::move(options.log)),
-          policy_(std::make_shared<const Policy>(std::move(options.policy))), responder_(std::move(options.responder)),
+          policy_(std::make_shared<const Policy>(std::move(options.policy))),
+          responder_(std::move(options.responder)),
           misbehaviour_(std::move(options.misbehaviour)),
           server_(options.port, [this](Connection& connection) { Serve_(connection); }),
           published_(options.service, server_.Port()) {

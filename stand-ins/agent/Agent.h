@@ -47,7 +47,7 @@ struct AgentOptions {
     Responder responder;       ///< asked first, before anything of the request's parameter is read
     std::wstring workFolder;   ///< for the files of decisions; empty: %temp%\agent
     std::wstring recordFolder; ///< each inspection's document and decision are kept here; empty: nowhere
-    std::vector<MisbehaviourRule> misbehaviour; ///< beside those of the policy
+    std::vector<MisbehaviourRule> misbehaviour;   ///< beside those of the policy
     std::function<void(const std::wstring&)> log; ///< gets one line for each inspection and each oddity
     std::function<void()> inspected;              ///< called after each inspection, once its answer is out
 };

@@ -12,8 +12,8 @@ struct Inspection;
 /// The part of an item that a condition looks at.
 enum class Field { Channel, Subject, Body, Text, Sender, Recipient, AttachmentName, AttachmentContent, Anywhere };
 
-/// A number of 13 to 19 digits, single spaces or hyphens between them allowed, whose check digit is right (ISO/IEC 7812,
-/// the Luhn formula).
+/// A number of 13 to 19 digits, single spaces or hyphens between them allowed, whose check digit is right (ISO/IEC
+/// 7812, the Luhn formula).
 bool HoldsCardNumber(std::wstring_view text);
 
 /// One thing to look for.

@@ -47,9 +47,8 @@ bool IsReplaced_(const Replacement& replacement, const InspectedFile& file) {
 }
 
 std::wstring Replace_(const Replacement& replacement, const InspectedFile& file, Files_& files) {
-    const std::wstring name = replacement.displayName.empty()
-                                  ? file.name
-                                  : ReplaceAll(replacement.displayName, L"{name}", file.name);
+    const std::wstring name =
+        replacement.displayName.empty() ? file.name : ReplaceAll(replacement.displayName, L"{name}", file.name);
     const std::string content = replacement.file.empty() ? ToUtf8(ReplaceAll(replacement.text, L"{name}", file.name))
                                                          : ReadWholeFile(replacement.file);
     return AttachmentElement_(files.Write(Extension(name), content), name);
@@ -95,9 +94,9 @@ Decision MakeDecision(const Inspection& inspection, const Actions& actions, cons
             tell(L"its body unlabelled for want of a body file");
         } else {
             const BodyForm form = BodyFormOf(inspection.bodyFile);
-            const std::wstring path = files.Write(
-                Extension(inspection.bodyFile),
-                LabelBody(ReadWholeFile(inspection.bodyFile), form, actions.bodyBefore, actions.bodyAfter));
+            const std::wstring path =
+                files.Write(Extension(inspection.bodyFile),
+                            LabelBody(ReadWholeFile(inspection.bodyFile), form, actions.bodyBefore, actions.bodyAfter));
             changes += L"<EmailBody path=\"" + Escape(path) + L"\" />";
             tell(L"a new body");
         }
@@ -107,9 +106,9 @@ Decision MakeDecision(const Inspection& inspection, const Actions& actions, cons
         changes += AttachmentsElement_(inspection, *actions.replacement, files, count);
         tell(std::to_wstring(count) + (count == 1 ? L" attachment replaced" : L" attachments replaced"));
     }
-    std::wstring xml = changes.empty()
-                           ? VerdictText(false)
-                           : L"<decision result=\"1\"><DataModifications>" + changes + L"</DataModifications></decision>";
+    std::wstring xml =
+        changes.empty() ? VerdictText(false)
+                        : L"<decision result=\"1\"><DataModifications>" + changes + L"</DataModifications></decision>";
     return {std::move(xml), files.Take(), L"allowed" + summary};
 }
 

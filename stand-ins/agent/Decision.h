@@ -19,8 +19,8 @@ struct Decision {
 
 /// Makes the decision for an item, and in the folder the files that it names. Attachments that are not replaced are
 /// copied and listed too, since the list takes the place of all of them.
-/// Throws std::runtime_error if a file of the item cannot be read or one of the decision not be written; no file is left
-/// then.
+/// Throws std::runtime_error if a file of the item cannot be read or one of the decision not be written; no file is
+/// left then.
 Decision MakeDecision(const Inspection& inspection, const Actions& actions, const std::wstring& folder);
 
 /// The verdict alone.

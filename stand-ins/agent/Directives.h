@@ -8,8 +8,8 @@
 namespace stand_ins::agent {
 
 /// What a mail asks for itself, in its subject or body; nullopt if nothing:
-/// [[block]], [[allow]], [[label: WORDS]], [[replace attachment]], [[replace attachment: PART OF A NAME]], [[delay 2s]].
-/// Several may stand together; anything else in double brackets is the writer's own text.
+/// [[block]], [[allow]], [[label: WORDS]], [[replace attachment]], [[replace attachment: PART OF A NAME]], [[delay
+/// 2s]]. Several may stand together; anything else in double brackets is the writer's own text.
 std::optional<Actions> ReadDirectives(const Inspection& inspection);
 
 /// "2s", "1500ms" or "1500" in milliseconds, 10 minutes at most; nullopt for anything else.

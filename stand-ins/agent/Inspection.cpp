@@ -82,7 +82,8 @@ Inspection Inspection::FromXml(std::wstring_view xml) {
     if (const TiXmlElement* context = root->FirstChildElement("context")) {
         ReadContext_(inspection, *context);
     }
-    for (auto item = root->FirstChildElement("dataItem"); item != nullptr; item = item->NextSiblingElement("dataItem")) {
+    for (auto item = root->FirstChildElement("dataItem"); item != nullptr;
+         item = item->NextSiblingElement("dataItem")) {
         ReadDataItem_(inspection, *item);
     }
     return inspection;

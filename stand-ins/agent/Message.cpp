@@ -81,8 +81,8 @@ private:
 
     std::wstring ReadName_() {
         const std::size_t begin = at_;
-        while (at_ < text_.size() && !IsSpace_(text_[at_]) && std::wstring_view(L"/>=<\"'").find(text_[at_]) ==
-                                                                   std::wstring_view::npos) {
+        while (at_ < text_.size() && !IsSpace_(text_[at_]) &&
+               std::wstring_view(L"/>=<\"'").find(text_[at_]) == std::wstring_view::npos) {
             ++at_;
         }
         if (at_ == begin) {

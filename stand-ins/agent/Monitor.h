@@ -20,8 +20,8 @@ public:
             const ULONGLONG end = GetTickCount64() + milliseconds;
             while (!isSo()) {
                 const ULONGLONG now = GetTickCount64();
-                if (now >= end || !SleepConditionVariableSRW(&monitor_.changed_, &monitor_.lock_,
-                                                             static_cast<DWORD>(end - now), 0)) {
+                if (now >= end ||
+                    !SleepConditionVariableSRW(&monitor_.changed_, &monitor_.lock_, static_cast<DWORD>(end - now), 0)) {
                     return isSo();
                 }
             }

@@ -11,7 +11,6 @@ namespace stand_ins {
 
 using namespace agent;
 
-
 Policy Policy::Always(Actions actions) {
     Policy policy;
     policy.rules.push_back({L"always", {}, std::move(actions)});

@@ -56,7 +56,8 @@ public:
 
     /// Reads JSON (UTF-8, comments allowed). Relative paths in it start at the folder.
     /// Throws std::runtime_error with one line: the name, where in the text, and what is wrong.
-    static Policy FromText(std::string_view json, const std::wstring& folder = {}, const std::wstring& name = L"policy");
+    static Policy FromText(std::string_view json, const std::wstring& folder = {},
+                           const std::wstring& name = L"policy");
     static Policy FromFile(const std::wstring& path);
 
     /// Short policies: one rule without conditions.
@@ -74,7 +75,7 @@ public:
     std::vector<std::wstring> channels;                  ///< those in force for an application
     bool directives = true;                              ///< whether a mail's own wishes are honoured
     std::vector<Rule> rules;
-    std::vector<MisbehaviourRule> misbehaviour;          ///< in force with the policy
+    std::vector<MisbehaviourRule> misbehaviour; ///< in force with the policy
 };
 
 } // namespace stand_ins

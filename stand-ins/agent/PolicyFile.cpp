@@ -175,18 +175,17 @@ Replacement ReadReplacement_(const Node_& node, const std::filesystem::path& fol
 
 void ReadActions_(const Node_& node, Actions& actions, const std::filesystem::path& folder) {
     bool isAllowed = false;
-    node.Members<Reader_>({{"block", [&](const Node_& value) { actions.block = value.Bool(); }},
-                           {"allow", [&](const Node_& value) { isAllowed = value.Bool(); }},
-                           {"subject", Into_(actions.subject)},
-                           {"body",
-                            [&](const Node_& body) {
-                                body.Members<Reader_>(
-                                    {{"before", Into_(actions.bodyBefore)}, {"after", Into_(actions.bodyAfter)}});
-                            }},
-                           {"replaceAttachments",
-                            [&](const Node_& value) { actions.replacement = ReadReplacement_(value, folder); }},
-                           {"delay", [&](const Node_& value) { actions.delay = value.Duration(); }},
-                           {"decision", [&](const Node_& value) { actions.decision = value.String(); }}});
+    node.Members<Reader_>(
+        {{"block", [&](const Node_& value) { actions.block = value.Bool(); }},
+         {"allow", [&](const Node_& value) { isAllowed = value.Bool(); }},
+         {"subject", Into_(actions.subject)},
+         {"body",
+          [&](const Node_& body) {
+              body.Members<Reader_>({{"before", Into_(actions.bodyBefore)}, {"after", Into_(actions.bodyAfter)}});
+          }},
+         {"replaceAttachments", [&](const Node_& value) { actions.replacement = ReadReplacement_(value, folder); }},
+         {"delay", [&](const Node_& value) { actions.delay = value.Duration(); }},
+         {"decision", [&](const Node_& value) { actions.decision = value.String(); }}});
     if (actions.block && isAllowed) {
         node.Fail("cannot block and allow");
     }
@@ -209,31 +208,31 @@ Rule ReadRule_(const Node_& node, const std::filesystem::path& folder) {
 
 Policy ReadPolicy_(const Node_& node, const std::filesystem::path& folder) {
     Policy policy;
-    node.Members<Reader_>(
-        {{"executionMode",
-          [&](const Node_& modes) {
-              modes.EachMember([&](const std::string& channel, const Node_& mode) {
-                  policy.executionModes[FromUtf8(channel)] = mode.Integer();
-              });
-          }},
-         {"channels",
-          [&](const Node_& list) {
-              list.EachItem([&](const Node_& name) { policy.channels.push_back(name.String()); });
-          }},
-         {"directives", [&](const Node_& value) { policy.directives = value.Bool(); }},
-         {"misbehave",
-          [&](const Node_& list) {
-              list.EachItem([&](const Node_& item) {
-                  try {
-                      policy.misbehaviour.push_back(MisbehaviourRule::FromText(item.String()));
-                  } catch (const std::runtime_error& failure) {
-                      item.Fail(failure.what());
-                  }
-              });
-          }},
-         {"rules", [&](const Node_& list) {
-              list.EachItem([&](const Node_& rule) { policy.rules.push_back(ReadRule_(rule, folder)); });
-          }}});
+    node.Members<Reader_>({{"executionMode",
+                            [&](const Node_& modes) {
+                                modes.EachMember([&](const std::string& channel, const Node_& mode) {
+                                    policy.executionModes[FromUtf8(channel)] = mode.Integer();
+                                });
+                            }},
+                           {"channels",
+                            [&](const Node_& list) {
+                                list.EachItem([&](const Node_& name) { policy.channels.push_back(name.String()); });
+                            }},
+                           {"directives", [&](const Node_& value) { policy.directives = value.Bool(); }},
+                           {"misbehave",
+                            [&](const Node_& list) {
+                                list.EachItem([&](const Node_& item) {
+                                    try {
+                                        policy.misbehaviour.push_back(MisbehaviourRule::FromText(item.String()));
+                                    } catch (const std::runtime_error& failure) {
+                                        item.Fail(failure.what());
+                                    }
+                                });
+                            }},
+                           {"rules", [&](const Node_& list) {
+                                list.EachItem(
+                                    [&](const Node_& rule) { policy.rules.push_back(ReadRule_(rule, folder)); });
+                            }}});
     return policy;
 }
 

@@ -100,8 +100,10 @@ TEST_F(AgentServing, WhatItDoesNotKnowIsAnError) {
               L"Error string: The plug-in \"ApplicationControlPlugin\" has no method \"Inspect\".");
     EXPECT_EQ(Inspect_(agent, L"<inspectorMessage><context></inspectorMessage>").substr(0, 50),
               L"Error string: malformed inspector document, line 1");
-    EXPECT_EQ(Exchange(agent.Port(), stand_ins::agent::ToWire(L"nonsense###@@@###")).Text().find(
-                  L"malformed message at character 8: it does not begin with &lt;Msg&gt;") != std::wstring::npos,
+    EXPECT_EQ(Exchange(agent.Port(), stand_ins::agent::ToWire(L"nonsense###@@@###"))
+                      .Text()
+                      .find(L"malformed message at character 8: it does not begin with &lt;Msg&gt;") !=
+                  std::wstring::npos,
               true);
 }
 
@@ -296,7 +298,9 @@ TEST_F(AgentServing, AnAnswerInBytesOrOddPiecesIsWholeInTheEnd) {
 
 TEST_F(AgentServing, WrongAnswersDifferInOnePlaceOnly) {
     const std::wstring whole = Misbehaved_(Misbehaviour::None).Text();
-    const auto with = [&](const wchar_t* from, const wchar_t* to) { return stand_ins::agent::ReplaceAll(whole, from, to); };
+    const auto with = [&](const wchar_t* from, const wchar_t* to) {
+        return stand_ins::agent::ReplaceAll(whole, from, to);
+    };
     EXPECT_EQ(Misbehaved_(Misbehaviour::WrongTypeTest).Text(), with(L"\"Response\"", L"\"Test\""));
     EXPECT_EQ(Misbehaved_(Misbehaviour::WrongTypeRequest).Text(), with(L"\"Response\"", L"\"Request\""));
     EXPECT_EQ(Misbehaved_(Misbehaviour::WrongTag).Text(), with(L"type=\"string\"", L"type=\"int\""));

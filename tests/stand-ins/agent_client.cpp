@@ -85,12 +85,12 @@ Reply Exchange(std::uint16_t port, std::string_view bytes) {
 
 std::string CallBytes(const std::wstring& plugin, const std::wstring& method, const std::wstring& param) {
     const auto key = [](const wchar_t* name, const std::wstring& value) {
-        return std::wstring(L"<Key name=\"") + name + L"\" type=\"string\" size=\"" + std::to_wstring(value.size() * 2) +
-               L"\" hidden=\"0\">" + agent::Escape(value) + L"</Key>";
+        return std::wstring(L"<Key name=\"") + name + L"\" type=\"string\" size=\"" +
+               std::to_wstring(value.size() * 2) + L"\" hidden=\"0\">" + agent::Escape(value) + L"</Key>";
     };
-    return agent::ToWire(L"<?xml version=\"1.0\" encoding=\"utf-16\"?>\r\n<Msg version=\"1\" type=\"Request\" pid=\"77\">" +
-                         key(L"Method", method) + key(L"Param", param) + key(L"Plugin", plugin) +
-                         L"</Msg>###@@@###");
+    return agent::ToWire(
+        L"<?xml version=\"1.0\" encoding=\"utf-16\"?>\r\n<Msg version=\"1\" type=\"Request\" pid=\"77\">" +
+        key(L"Method", method) + key(L"Param", param) + key(L"Plugin", plugin) + L"</Msg>###@@@###");
 }
 
 std::wstring Call(std::uint16_t port, const std::wstring& plugin, const std::wstring& method,
@@ -108,13 +108,21 @@ std::wstring MailDocument(const std::wstring& subject, const std::wstring& body,
     const std::wstring subjectText = agent::Escape(subject);
     std::wstring document =
         L"<?xml version=\"1.0\" ?><inspectorMessage version=\"1\" channel=\"Email\"><context>"
-        L"<item name=\"EmailSubject\" value=\"" + subjectText + L"\" /><item name=\"EmailFrom\" value=\"ada@example.com\" />"
-        L"<item name=\"EmailTo\" value=\"bob@example.org\" /><item name=\"IncidentDestination\" value=\"bob@example.org\" />"
-        L"<item name=\"EmailBody\" value=\"" + agent::Escape(bodyFile) + L"\" /></context>"
+        L"<item name=\"EmailSubject\" value=\"" +
+        subjectText +
+        L"\" /><item name=\"EmailFrom\" value=\"ada@example.com\" />"
+        L"<item name=\"EmailTo\" value=\"bob@example.org\" /><item name=\"IncidentDestination\" "
+        L"value=\"bob@example.org\" />"
+        L"<item name=\"EmailBody\" value=\"" +
+        agent::Escape(bodyFile) +
+        L"\" /></context>"
         L"<dataItem><contextItem name=\"ItemType\" value=\"EmailSubject\" /><textFormat>clearText</textFormat>"
-        L"<dataEncoding>text</dataEncoding><data>" + subjectText + L"</data></dataItem>"
+        L"<dataEncoding>text</dataEncoding><data>" +
+        subjectText +
+        L"</data></dataItem>"
         L"<dataItem><contextItem name=\"ItemType\" value=\"EmailBody\" /><textFormat>clearText</textFormat>"
-        L"<dataEncoding>text</dataEncoding><data>" + agent::Escape(body) + L"</data></dataItem>";
+        L"<dataEncoding>text</dataEncoding><data>" +
+        agent::Escape(body) + L"</data></dataItem>";
     if (!attachmentPath.empty()) {
         document += L"<dataItem><contextItem name=\"DataLocation\" value=\"" + agent::Escape(attachmentName) +
                     L"\" /><dataEncoding>filePath</dataEncoding><data>" + agent::Escape(attachmentPath) +

@@ -11,7 +11,8 @@ using agent_tests::OwnFolder;
 
 TEST(AgentCondition, TextIsFoundInEitherCase) {
     EXPECT_TRUE(Probe::Contains(L"Straße").Finds(L"in der STRAßE"));
-    EXPECT_TRUE(Probe::Contains(L"\x0421\x0435\x043A\x0440\x0435\x0442").Finds(L"\x0441\x0415\x041A\x0420\x0415\x0422"));
+    EXPECT_TRUE(
+        Probe::Contains(L"\x0421\x0435\x043A\x0440\x0435\x0442").Finds(L"\x0441\x0415\x041A\x0420\x0415\x0422"));
     EXPECT_FALSE(Probe::Contains(L"secret").Finds(L"secre t"));
 }
 
@@ -60,8 +61,13 @@ TEST(AgentCondition, EachFieldLooksAtItsOwnPartOnly) {
 
 TEST(AgentCondition, AttachmentsAreReadInTheEncodingThatTheyHave) {
     const OwnFolder folder;
-    for (const std::string_view bytes : {std::string_view("caf\xC3\xA9"), std::string_view("\xEF\xBB\xBF" "caf\xC3\xA9"),
-                                         std::string_view("\xFF\xFE" "c\0a\0f\0\xE9\0", 10), std::string_view("caf\xE9")}) {
+    for (const std::string_view bytes : {std::string_view("caf\xC3\xA9"),
+                                         std::string_view("\xEF\xBB\xBF"
+                                                          "caf\xC3\xA9"),
+                                         std::string_view("\xFF\xFE"
+                                                          "c\0a\0f\0\xE9\0",
+                                                          10),
+                                         std::string_view("caf\xE9")}) {
         const std::wstring path = folder.Write(L"a.cip", bytes);
         const auto mail = Inspection::FromXml(MailDocument(L"", L"", L"", path, L"a.txt"));
         EXPECT_EQ(mail.Contents(), std::vector<std::wstring>{L"caf\xE9"});

@@ -69,12 +69,17 @@ TEST(AgentDecision, EveryAttachmentIsListedInItsOrder) {
     actions.replacement = Replacement{L"price-list", L"", L"{name} is gone", L"{name}.txt"};
     const Decision decision = MakeDecision(mail, actions, work.Path());
     ASSERT_EQ(decision.files.size(), 3u);
-    EXPECT_EQ(decision.xml,
-              L"<decision result=\"1\"><DataModifications><EmailAttachments>"
-              L"<Attachment path=\"" + decision.files[0] + L"\" displayName=\"photo.png\" />"
-              L"<Attachment path=\"" + decision.files[1] + L"\" displayName=\"Price-List.CSV.txt\" />"
-              L"<Attachment path=\"" + decision.files[2] + L"\" displayName=\"notes\" />"
-              L"</EmailAttachments></DataModifications></decision>");
+    EXPECT_EQ(decision.xml, L"<decision result=\"1\"><DataModifications><EmailAttachments>"
+                            L"<Attachment path=\"" +
+                                decision.files[0] +
+                                L"\" displayName=\"photo.png\" />"
+                                L"<Attachment path=\"" +
+                                decision.files[1] +
+                                L"\" displayName=\"Price-List.CSV.txt\" />"
+                                L"<Attachment path=\"" +
+                                decision.files[2] +
+                                L"\" displayName=\"notes\" />"
+                                L"</EmailAttachments></DataModifications></decision>");
     EXPECT_EQ(ReadWholeFile(decision.files[0]), "one");
     EXPECT_EQ(ReadWholeFile(decision.files[1]), "Price-List.CSV is gone");
     EXPECT_EQ(ReadWholeFile(decision.files[2]), "three");

@@ -49,10 +49,11 @@ TEST(AgentLabel, HtmlIsWrittenWithoutAMark) {
 }
 
 TEST(AgentLabel, TheRichLabelStandsBeforeTheFirstParagraph) {
-    EXPECT_EQ(LabelBody("{\\rtf1\\ansi{\\fonttbl{\\f0\\pard Arial;}}\\viewkind4\\pard\\f0 Hi \\{ there\\par}",
-                        BodyForm::Rich, L"\x041F{1}", L"end"),
-              "{\\rtf1\\ansi{\\fonttbl{\\f0\\pard Arial;}}\\viewkind4\\pard \\u1055?\\{1\\}\\par\r\n\\pard\\f0 Hi \\{ there"
-              "\\par\\par\\pard end\\par}");
+    EXPECT_EQ(
+        LabelBody("{\\rtf1\\ansi{\\fonttbl{\\f0\\pard Arial;}}\\viewkind4\\pard\\f0 Hi \\{ there\\par}", BodyForm::Rich,
+                  L"\x041F{1}", L"end"),
+        "{\\rtf1\\ansi{\\fonttbl{\\f0\\pard Arial;}}\\viewkind4\\pard \\u1055?\\{1\\}\\par\r\n\\pard\\f0 Hi \\{ there"
+        "\\par\\par\\pard end\\par}");
 }
 
 TEST(AgentLabel, RichTextWithoutParagraphsIsLabelledBehindItsHeader) {

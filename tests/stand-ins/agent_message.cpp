@@ -23,12 +23,11 @@ TEST(AgentMessage, AnAnswerIsWrittenAsTheFormatHasIt) {
     WireMessage message;
     message.pid = 1288;
     message.entries[L"Result"] = {L"<decision result=\"1\" />"};
-    EXPECT_EQ(message.ToText(),
-              L"<?xml version=\"1.0\" encoding=\"utf-16\"?>\r\n"
-              L"<Msg version=\"1\" type=\"Response\" pid=\"1288\">\r\n"
-              L"  <Key name=\"Result\" type=\"string\" size=\"46\" hidden=\"0\">"
-              L"&lt;decision result=&quot;1&quot; /&gt;</Key>\r\n"
-              L"</Msg>");
+    EXPECT_EQ(message.ToText(), L"<?xml version=\"1.0\" encoding=\"utf-16\"?>\r\n"
+                                L"<Msg version=\"1\" type=\"Response\" pid=\"1288\">\r\n"
+                                L"  <Key name=\"Result\" type=\"string\" size=\"46\" hidden=\"0\">"
+                                L"&lt;decision result=&quot;1&quot; /&gt;</Key>\r\n"
+                                L"</Msg>");
 }
 
 TEST(AgentMessage, AnIntegerCarriesItsTagAndTwiceItsLength) {
@@ -41,7 +40,8 @@ TEST(AgentMessage, ARequestIsReadWithWhatItHolds) {
     const auto message = WireMessage::FromText(
         L"<?xml version=\"1.0\" encoding=\"utf-16\"?>\r\n<Msg version=\"1\" type=\"Request\" pid=\"0x1F\">\r\n"
         L"  <Key name=\"Method\" type=\"string\" size=\"14\" hidden=\"0\">Inspect</Key>\r\n"
-        L"  <Key name='Param' type='string' size='0' hidden='1'>a &lt;b&gt; &amp;&#xD;&#10;&#x1F600;<![CDATA[<c>]]></Key>\r\n"
+        L"  <Key name='Param' type='string' size='0' hidden='1'>a &lt;b&gt; "
+        L"&amp;&#xD;&#10;&#x1F600;<![CDATA[<c>]]></Key>\r\n"
         L"  <Key name=\"Empty\" type=\"string\" size=\"0\" hidden=\"0\"/>\r\n</Msg>\r\n");
     EXPECT_EQ(message.type, L"Request");
     EXPECT_EQ(message.pid, 31u);
@@ -75,7 +75,8 @@ TEST(AgentMessage, EachFaultIsToldWithItsPlace) {
               "malformed message at character 38: only version 1 is known");
     EXPECT_EQ(FaultOf_(L"<Msg version=\"1\" type=\"Wish\" pid=\"1\"/>"),
               "malformed message at character 38: \"Wish\" is no type of message");
-    EXPECT_EQ(FaultOf_(L"<Msg version=\"1\" type=\"Test\"/>"), "malformed message at character 30: <Msg> has no \"pid\"");
+    EXPECT_EQ(FaultOf_(L"<Msg version=\"1\" type=\"Test\"/>"),
+              "malformed message at character 30: <Msg> has no \"pid\"");
     EXPECT_EQ(FaultOf_(L"<Msg version=\"1\" type=\"Test\" pid=\"1\">"),
               "malformed message at character 37: <Msg> is not closed");
     EXPECT_EQ(FaultOf_(L"<Msg version=\"1\" type=\"Test\" pid=\"1\"><Key name=\"a\" size=\"0\">x"),

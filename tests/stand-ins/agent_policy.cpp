@@ -109,7 +109,8 @@ TEST(AgentPolicy, AFaultInAFieldIsToldWithItsPath) {
               "p.json: rules[0].then.replaceAttachments.file: no such file: C:\\policies\\none.txt");
     EXPECT_EQ(FaultOf_(R"({"executionMode": {"Email": 1.5}})"),
               "p.json: executionMode.Email: must be a whole number of 32 bits");
-    EXPECT_EQ(FaultOf_(R"({"misbehave": ["sulk"]})").substr(0, 50), "p.json: misbehave[0]: unknown misbehaviour \"sulk\";");
+    EXPECT_EQ(FaultOf_(R"({"misbehave": ["sulk"]})").substr(0, 50),
+              "p.json: misbehave[0]: unknown misbehaviour \"sulk\";");
     EXPECT_EQ(FaultOf_(R"({"rules": [{"name": "a", "match": {"body": {"pattern": "("}}, "then": {}}]})").substr(0, 60),
               "p.json: rules[0].match.body.pattern: no regular expression: ");
 }

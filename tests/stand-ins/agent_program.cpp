@@ -26,8 +26,8 @@ public:
         start.hStdError = file;
         PROCESS_INFORMATION process{};
         std::wstring command = L"\"" AGENT_PROGRAM L"\" " + arguments;
-        const BOOL isStarted = CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW, nullptr,
-                                              nullptr, &start, &process);
+        const BOOL isStarted = CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW,
+                                              nullptr, nullptr, &start, &process);
         CloseHandle(file);
         if (!isStarted) {
             throw std::runtime_error("agent.exe does not start: error " + std::to_string(GetLastError()));
@@ -90,8 +90,8 @@ protected:
 
     const std::wstring service_ = OwnService();
     const OwnFolder folder_;
-    const std::wstring common_ =
-        L"--service " + service_ + L" --ready-file \"" + folder_.Path() + L"\\ready\" --work \"" + folder_.Path() + L"\" ";
+    const std::wstring common_ = L"--service " + service_ + L" --ready-file \"" + folder_.Path() +
+                                 L"\\ready\" --work \"" + folder_.Path() + L"\" ";
 };
 
 } // namespace
