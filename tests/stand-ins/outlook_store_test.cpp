@@ -90,9 +90,7 @@ TEST_F(OutlookStoreFiles, ItemOutlivesItsOutlook) {
 
 class OutlookStore : public RunningOutlookTest {
 protected:
-    DispatchPtr ById(const std::wstring& entryId) {
-        return Invoke(Session(), L"GetItemFromID", {entryId.c_str()});
-    }
+    DispatchPtr ById(const std::wstring& entryId) { return Invoke(Session(), L"GetItemFromID", {entryId.c_str()}); }
     DispatchPtr DefaultFolderOf(long number) { return Invoke(Session(), L"GetDefaultFolder", {number}); }
 };
 
@@ -200,8 +198,9 @@ TEST_F(OutlookStore, FoldersAreWalkedToTheirEnd) {
 }
 
 TEST_F(OutlookStore, DefaultFoldersAnswerToTheirNumbers) {
-    const std::map<long, std::wstring> names = {{3, L"Deleted Items"}, {4, L"Outbox"},   {5, L"Sent Items"}, {6, L"Inbox"},
-                                                {9, L"Calendar"},      {13, L"Tasks"}, {16, L"Drafts"}};
+    const std::map<long, std::wstring> names = {{3, L"Deleted Items"}, {4, L"Outbox"},   {5, L"Sent Items"},
+                                                {6, L"Inbox"},         {9, L"Calendar"}, {13, L"Tasks"},
+                                                {16, L"Drafts"}};
     for (const auto& [number, name] : names) {
         EXPECT_EQ(GetText(DefaultFolderOf(number), L"Name"), name);
     }
