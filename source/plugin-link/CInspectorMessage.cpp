@@ -50,8 +50,7 @@ LoggerHolder CInspectorMessage::logger_;
 
 CInspectorMessage::CInspectorMessage() : CInspectorMessage(std::wstring()) {}
 
-CInspectorMessage::CInspectorMessage(const std::wstring& channel)
-    : pimpl_(std::make_shared<CInspectorMessagePimpl>()) {
+CInspectorMessage::CInspectorMessage(const std::wstring& channel) : pimpl_(std::make_shared<CInspectorMessagePimpl>()) {
     InitLogger(logger_, "vorlek::CInspectorMessage::CInspectorMessage", false);
     _CreateMainElements(channel);
 }
