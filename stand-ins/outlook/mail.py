@@ -511,7 +511,8 @@ def main(arguments):
     except RecursionError:
         print(f"mail.py: {source}: parts nested too deep", file=sys.stderr)
     except Exception as fault:  # the email package trips over some malformed headers
-        print(f"mail.py: {source}: malformed beyond reading: {one_line(f'{type(fault).__name__}: {fault}')}", file=sys.stderr)
+        print(f"mail.py: {source}: malformed beyond reading: {type(fault).__name__}: {one_line(str(fault))}",
+              file=sys.stderr)
     return 1
 
 

@@ -20,7 +20,8 @@ void Sink::Unadvise() {
 }
 
 HRESULT Sink::QueryInterface(REFIID interfaceId, void** object) {
-    const bool known = interfaceId == IID_IUnknown || interfaceId == IID_IDispatch || interfaceId == kApplicationEventsId;
+    const bool known =
+        interfaceId == IID_IUnknown || interfaceId == IID_IDispatch || interfaceId == kApplicationEventsId;
     *object = known ? this : nullptr;
     if (known) {
         AddRef();

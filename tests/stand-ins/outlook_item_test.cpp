@@ -1,6 +1,6 @@
 // What items answer: bodies, recipients, attachments, properties.
-#include "tests/stand-ins/OutlookTest.h"
 #include "stand-ins/outlook/Text.h"
+#include "tests/stand-ins/OutlookTest.h"
 
 namespace stand_ins {
 namespace {
@@ -115,9 +115,12 @@ TEST_F(OutlookItem, ResolveAllResolvesAddressesOnly) {
 }
 
 TEST_F(OutlookItem, RecipientOfTheDirectoryHasAnSmtpAddressOnlyIfItWasGivenOne) {
-    const auto mail = outlook_.NewMail({.recipients = {
-        {.name = L"List", .address = L"/o=x/cn=list", .addressType = L"EX"},
-        {.name = L"Eva", .address = L"/o=x/cn=eva", .addressType = L"EX", .properties = {{0x39FE001F, L"eva@example.com"}}}}});
+    const auto mail =
+        outlook_.NewMail({.recipients = {{.name = L"List", .address = L"/o=x/cn=list", .addressType = L"EX"},
+                                         {.name = L"Eva",
+                                          .address = L"/o=x/cn=eva",
+                                          .addressType = L"EX",
+                                          .properties = {{0x39FE001F, L"eva@example.com"}}}}});
     EXPECT_EQ(ErrorOf([&] { Property(ItemOf(mail, L"Recipients", 1), L"0x39FE001E"); }), kNotFound);
     EXPECT_EQ(Property(ItemOf(mail, L"Recipients", 2), L"0x39FE001E"), L"eva@example.com");
 }

@@ -105,9 +105,8 @@ TEST_F(OutlookObject, FaultsMeetOneCallOrOneKind) {
 }
 
 TEST_F(OutlookObject, WhatAnActionThrowsComesOutAsItIs) {
-    outlook_.Failures().On(L"MailItem.Subject", [](const Call&) -> std::optional<_variant_t> {
-        throw std::runtime_error("thrown");
-    });
+    outlook_.Failures().On(L"MailItem.Subject",
+                           [](const Call&) -> std::optional<_variant_t> { throw std::runtime_error("thrown"); });
     outlook_.Failures().On(L"MailItem.Body", [](const Call&) -> std::optional<_variant_t> { throw 7; });
     EXPECT_THROW(GetText(Mail(), L"Subject"), std::runtime_error);
     EXPECT_THROW(GetText(Mail(), L"Body"), int);
@@ -146,7 +145,8 @@ TEST_F(OutlookObject, CallsAreRecordedInOrderWithTheirArguments) {
     Put(mail, L"subject", L"New");
     GetText(mail, L"Body");
     Invoke(mail, L"Close", {0L});
-    EXPECT_THAT(outlook_.Calls().Members(), ElementsAre(L"MailItem.Subject put", L"MailItem.Body get", L"MailItem.Close"));
+    EXPECT_THAT(outlook_.Calls().Members(),
+                ElementsAre(L"MailItem.Subject put", L"MailItem.Body get", L"MailItem.Close"));
     std::vector<std::wstring> lines;
     for (const Call& call : outlook_.Calls().All()) {
         lines.push_back(call.ToString());

@@ -15,10 +15,10 @@ std::string RefusalOf(const std::vector<std::wstring>& arguments) {
 }
 
 TEST(OutlookCommandLine, AllOptionsAreUnderstood) {
-    const CommandLine line = ParseCommandLine(
-        {L"--profile", L"p", L"--version", L"15.0.0.1", L"--explorer", L"disabled", L"--strict-threads", L"--no-addins",
-         L"--record", L"r.txt", L"--fail", L"MailItem.Send=0x80040119#2", L"--wait", L"5", L"--tell-shutdown",
-         L"--send", L"a.json", L"b.json"});
+    const CommandLine line = ParseCommandLine({L"--profile", L"p", L"--version", L"15.0.0.1", L"--explorer",
+                                               L"disabled", L"--strict-threads", L"--no-addins", L"--record", L"r.txt",
+                                               L"--fail", L"MailItem.Send=0x80040119#2", L"--wait", L"5",
+                                               L"--tell-shutdown", L"--send", L"a.json", L"b.json"});
     EXPECT_EQ(line.outlook.profile, L"p");
     EXPECT_EQ(line.outlook.version, L"15.0.0.1");
     EXPECT_EQ(line.outlook.explorer, ExplorerState::Disabled);
@@ -42,7 +42,8 @@ TEST(OutlookCommandLine, EmbeddingIsTakenInEverySpelling) {
 TEST(OutlookCommandLine, WhatIsNotUnderstoodIsRefusedInOneLine) {
     EXPECT_EQ(RefusalOf({}), "--profile is missing");
     EXPECT_EQ(RefusalOf({L"--profile"}), "--profile wants a value");
-    EXPECT_EQ(RefusalOf({L"--profile", L"p", L"--nonsense"}), "unknown option \"--nonsense\"; --help tells the known ones");
+    EXPECT_EQ(RefusalOf({L"--profile", L"p", L"--nonsense"}),
+              "unknown option \"--nonsense\"; --help tells the known ones");
     EXPECT_EQ(RefusalOf({L"--profile", L"p", L"a.json"}), "unknown option \"a.json\"; --help tells the known ones");
     EXPECT_EQ(RefusalOf({L"--explorer", L"big"}), "--explorer is one of shown, disabled and missing, not \"big\"");
     EXPECT_EQ(RefusalOf({L"--fail", L"MailItem.Send"}),

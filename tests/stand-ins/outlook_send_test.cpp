@@ -110,7 +110,8 @@ TEST_F(OutlookSend, SinkMayCloseTheItemAndSendItLater) {
     EXPECT_EQ(result.outcome, Outcome::Stopped);
     EXPECT_EQ(outlook_.OpenInspectors(), 0u);
     inHand = true;
-    Invoke(GetObject(Invoke(Session(), L"GetItemFromID", {result.entryId.c_str()}), L"Session"), L"GetDefaultFolder", {5L});
+    Invoke(GetObject(Invoke(Session(), L"GetItemFromID", {result.entryId.c_str()}), L"Session"), L"GetDefaultFolder",
+           {5L});
     Invoke(DispatchPtr(Invoke(Session(), L"GetItemFromID", {result.entryId.c_str()})), L"Send");
     EXPECT_TRUE(Outlook::HasLeft(result));
     EXPECT_THAT(outlook_.Delivered(), SizeIs(1));

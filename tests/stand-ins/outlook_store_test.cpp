@@ -1,6 +1,7 @@
 // Items on disk: what a killed process keeps, IDs, folders, stores.
 #include <fstream>
 
+#include "stand-ins/outlook/Store.h"
 #include "tests/stand-ins/OutlookTest.h"
 #include "tests/support/ChildProcess.h"
 
@@ -24,19 +25,6 @@ std::wstring SaveAndHang(const std::wstring& profile) {
 }
 const test_support::ChildRoleName kSaveAndHang(L"OutlookSaveAndHang", SaveAndHang);
 
-// Saves one mail over and over with a body as long as its number.
-std::wstring SaveForEver(const std::wstring& profile) {
-    Outlook outlook({.profile = profile});
-    const auto mail = outlook.SavedItem({.subject = L"0"});
-    test_support::SayReady();
-    for (long i = 1;; ++i) {
-        Put(mail, L"Subject", std::to_wstring(i).c_str());
-        Put(mail, L"Body", std::wstring(static_cast<size_t>(i % 5000), L'x').c_str());
-        Invoke(mail, L"Save");
-    }
-}
-const test_support::ChildRoleName kSaveForEver(L"OutlookSaveForEver", SaveForEver);
-
 class OutlookStoreFiles : public OutlookTest {};
 
 TEST_F(OutlookStoreFiles, KilledProcessLosesNothingThatWasSaved) {
@@ -49,19 +37,6 @@ TEST_F(OutlookStoreFiles, KilledProcessLosesNothingThatWasSaved) {
         subjects.push_back(item.subject);
     }
     EXPECT_THAT(subjects, testing::UnorderedElementsAre(L"first", L"second"));
-}
-
-TEST_F(OutlookStoreFiles, ProcessKilledWhileItSavesLeavesAWholeItem) {
-    for (int round = 0; round < 3; ++round) {
-        const auto profile = folder_ / std::to_wstring(round);
-        test_support::ChildProcess child(L"OutlookSaveForEver", profile.wstring());
-        child.WaitUntilReady();
-        child.Terminate();
-        const Outlook outlook({.profile = profile});
-        const auto items = outlook.ItemsIn(L"Drafts");
-        ASSERT_THAT(items, SizeIs(1));
-        EXPECT_EQ(items[0].body.size(), std::stoul(items[0].subject) % 5000);
-    }
 }
 
 TEST_F(OutlookStoreFiles, ProfileServesOneOutlookAtATime) {
@@ -90,8 +65,9 @@ TEST_F(OutlookStoreFiles, ItemOutlivesItsOutlook) {
 
 class OutlookStore : public RunningOutlookTest {
 protected:
-    DispatchPtr ById(const std::wstring& entryId) {
-        return Invoke(Session(), L"GetItemFromID", {entryId.c_str()});
+    DispatchPtr ById(const std::wstring& entryId) { return Invoke(Session(), L"GetItemFromID", {entryId.c_str()}); }
+    std::filesystem::path DraftFile(const DispatchPtr& mail) {
+        return folder_.Path() / L"Stores" / kDefaultStore / L"Drafts" / (GetText(mail, L"EntryID") + L".json");
     }
     DispatchPtr DefaultFolderOf(long number) { return Invoke(Session(), L"GetDefaultFolder", {number}); }
 };
@@ -104,6 +80,30 @@ TEST_F(OutlookStore, EntryIdIsEmptyUntilTheFirstSave) {
     const std::wstring id = GetText(mail, L"EntryID");
     EXPECT_THAT(id, testing::Not(testing::IsEmpty()));
     EXPECT_EQ(GetText(ById(id), L"Subject"), L"Plans");
+}
+
+TEST_F(OutlookStore, SaveReplacesTheFileAndNeverWritesIntoIt) {
+    const auto mail = outlook_.SavedItem({.subject = L"Plans"});
+    const auto file = DraftFile(mail);
+    const auto old = folder_ / L"old.json";
+    ASSERT_TRUE(CreateHardLinkW(old.c_str(), file.c_str(), nullptr));
+    Put(mail, L"Subject", L"Other plans");
+    Invoke(mail, L"Save");
+    EXPECT_EQ(ReadItemFile(old).subject, L"Plans");
+    EXPECT_EQ(ReadItemFile(file).subject, L"Other plans");
+    EXPECT_FALSE(std::filesystem::exists(file.wstring() + L".new"));
+}
+
+TEST_F(OutlookStore, SaveThatFailsLeavesTheOldFileAndTheChange) {
+    const auto mail = outlook_.SavedItem({.subject = L"Plans"});
+    const auto inTheWay = DraftFile(mail).wstring() + L".new";
+    std::filesystem::create_directory(inTheWay);
+    Put(mail, L"Subject", L"Other plans");
+    EXPECT_EQ(ErrorOf([&] { Invoke(mail, L"Save"); }), E_FAIL);
+    EXPECT_EQ(ReadItemFile(DraftFile(mail)).subject, L"Plans");
+    std::filesystem::remove(inTheWay);
+    Invoke(mail, L"Save");
+    EXPECT_EQ(ReadItemFile(DraftFile(mail)).subject, L"Other plans");
 }
 
 TEST_F(OutlookStore, ModificationTimeMovesWithEachSaveThatChanges) {
@@ -200,8 +200,9 @@ TEST_F(OutlookStore, FoldersAreWalkedToTheirEnd) {
 }
 
 TEST_F(OutlookStore, DefaultFoldersAnswerToTheirNumbers) {
-    const std::map<long, std::wstring> names = {{3, L"Deleted Items"}, {4, L"Outbox"},   {5, L"Sent Items"}, {6, L"Inbox"},
-                                                {9, L"Calendar"},      {13, L"Tasks"}, {16, L"Drafts"}};
+    const std::map<long, std::wstring> names = {{3, L"Deleted Items"}, {4, L"Outbox"},   {5, L"Sent Items"},
+                                                {6, L"Inbox"},         {9, L"Calendar"}, {13, L"Tasks"},
+                                                {16, L"Drafts"}};
     for (const auto& [number, name] : names) {
         EXPECT_EQ(GetText(DefaultFolderOf(number), L"Name"), name);
     }
