@@ -7,8 +7,6 @@ set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
 add_library(project_options INTERFACE)
 target_compile_options(project_options INTERFACE
     $<$<COMPILE_LANGUAGE:CXX>:-Wall -Wextra -Wpedantic -Wconversion -Werror>
-    # This version of GCC sees copies out of bounds in the library's own short strings.
-    $<$<COMPILE_LANG_AND_ID:CXX,GNU>:-Wno-array-bounds -Wno-restrict>
     # The same bytes from any folder, and log lines that name files as the project does.
     $<$<COMPILE_LANGUAGE:C,CXX>:-ffile-prefix-map=${CMAKE_SOURCE_DIR}/=>)
 target_compile_definitions(project_options INTERFACE

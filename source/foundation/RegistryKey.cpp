@@ -53,17 +53,17 @@ RegistryKey::~RegistryKey() {
 }
 
 RegistryKey& RegistryKey::GetLocalMachine() {
-    static RegistryKey key(HKEY_LOCAL_MACHINE, L"");
+    static RegistryKey key(HKEY_LOCAL_MACHINE, {});
     return key;
 }
 
 RegistryKey& RegistryKey::GetCurrentUser() {
-    static RegistryKey key(HKEY_CURRENT_USER, L"");
+    static RegistryKey key(HKEY_CURRENT_USER, {});
     return key;
 }
 
 RegistryKey& RegistryKey::GetCurrentConfig() {
-    static RegistryKey key(HKEY_CURRENT_CONFIG, L"");
+    static RegistryKey key(HKEY_CURRENT_CONFIG, {});
     return key;
 }
 

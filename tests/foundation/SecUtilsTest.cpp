@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include "foundation/Exception.h"
-#include "foundation/RegistryKey.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/ProgramOnXp.h"
 #include "tests/support/SecurityBytes.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -70,6 +70,7 @@ TEST(SecUtils, KindThreeOpensToLowIntegrity) {
 }
 
 TEST(SecUtils, KindThreeHasNoLabelBelowVista) {
+<<<<<<< .merge_file_p0xogh
     const TemporaryFolder folder;
     const std::wstring program = folder / L"vorlek_tests_on_xp.exe";
     wchar_t own[MAX_PATH];
@@ -82,6 +83,12 @@ TEST(SecUtils, KindThreeHasNoLabelBelowVista) {
     const std::wstring result = child.Result();
     EXPECT_EQ(std::vector<BYTE>(result.begin(), result.end()), SecurityBytes(L"D:(A;OICI;GA;;;WD)(A;OICI;GA;;;RC)"));
     RegistryKey::GetCurrentUser().DeleteSubKeyTree(settings);
+=======
+    const test_support::ProgramOnXp program;
+    const std::wstring result = test_support::ChildProcess(L"KindThree", L"", program.Path()).Result();
+    EXPECT_EQ(std::vector<BYTE>(result.begin(), result.end()),
+              SecurityBytes(L"D:(A;OICI;GA;;;WD)(A;OICI;GA;;;RC)"));
+>>>>>>> .merge_file_vjKJ21
 }
 
 TEST(SecUtils, NoKindInheritsHandles) {
