@@ -2,6 +2,7 @@
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
 
 add_library(project_options INTERFACE)
 target_compile_options(project_options INTERFACE
@@ -36,6 +37,10 @@ function(project_library name)
     target_link_libraries(${name} PUBLIC project_options ${ARGN})
 endfunction()
 
+# What nearly every source of the add-in includes, read once: half of the time of a build.
+set(common_headers ${CMAKE_SOURCE_DIR}/source/platform/Windows.h <comdef.h> <log4cxx/logger.h>
+    <log4cxx/helpers/messagebuffer.h> <map> <memory> <sstream> <string> <vector>)
+
 # Puts a program or a DLL of the checked build on the guard heap.
 function(project_guard_heap name)
     if(CHECKED)
@@ -50,6 +55,9 @@ function(project_tests name)
     add_executable(${name} ${sources})
     target_link_libraries(${name} PRIVATE project_options test_main ${arg_LIBRARIES})
     project_guard_heap(${name})
+    # A test runs once; what it tests is optimised as it is delivered.
+    target_compile_options(${name} PRIVATE -O0)
+    target_precompile_headers(${name} REUSE_FROM test_main)
     if(NOT arg_TIMEOUT)
         set(arg_TIMEOUT 60)
     endif()

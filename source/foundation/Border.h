@@ -39,8 +39,8 @@ void Report(const log4cxx::LoggerPtr& logger, const log4cxx::LevelPtr& level, co
 
 /// Runs the body; a failure is logged at the level and ends here. Returns whether the body ran to its end.
 template <class Body>
-bool GuardAt(const log4cxx::LevelPtr& level, const log4cxx::LoggerPtr& logger,
-             const log4cxx::spi::LocationInfo& site, const BorderPhrases& phrases, Body&& body) {
+bool GuardAt(const log4cxx::LevelPtr& level, const log4cxx::LoggerPtr& logger, const log4cxx::spi::LocationInfo& site,
+             const BorderPhrases& phrases, Body&& body) {
     const auto report = [&](const Phrase& own, const auto* text) {
         if (own.words != nullptr) {
             border::Report(logger, level, own, site, text);

@@ -36,61 +36,75 @@ constexpr std::array<std::int32_t, 128> kSextets = [] {
     return sextets;
 }();
 
+// Two characters for every twelve bits: half the look-ups.
+constexpr std::array<wchar_t, 2 * 4096> kPairs = [] {
+    std::array<wchar_t, 2 * 4096> pairs{};
+    for (std::size_t bits = 0; bits < 4096; ++bits) {
+        pairs[2 * bits] = kAlphabet[bits >> 6];
+        pairs[2 * bits + 1] = kAlphabet[bits & 63];
+    }
+    return pairs;
+}();
+
 struct LocalDeleter {
     void operator()(void* memory) const { LocalFree(memory); }
 };
 
-void LogError_(const char* format, const char* function,
-               std::source_location site = std::source_location::current()) {
+void LogError_(const char* format, const char* function, std::source_location site = std::source_location::current()) {
     LogLegacy(kLegacyCategory, kLegacyError, format, site.file_name(), function, static_cast<int>(site.line()),
               function);
 }
 
 wchar_t* EncodeGroups_(const BYTE* data, std::size_t groups, wchar_t* text) {
-    for (; groups != 0; --groups, data += 3) {
+    for (; groups != 0; --groups, data += 3, text += 4) {
         const std::uint32_t bits = static_cast<std::uint32_t>(data[0]) << 16 | data[1] << 8 | data[2];
-        *text++ = kAlphabet[bits >> 18];
-        *text++ = kAlphabet[bits >> 12 & 63];
-        *text++ = kAlphabet[bits >> 6 & 63];
-        *text++ = kAlphabet[bits & 63];
+        std::copy_n(&kPairs[2 * (bits >> 12)], 2, text);
+        std::copy_n(&kPairs[2 * (bits & 4095)], 2, text + 2);
     }
     return text;
 }
 
-std::int32_t Sextet_(wchar_t character) {
-    return character < kSextets.size() ? kSextets[character] : -1;
+/// Four characters as 24 bits; negative if one is outside the alphabet.
+std::int32_t Quad_(const wchar_t* text) {
+    if ((text[0] | text[1] | text[2] | text[3]) >= static_cast<int>(kSextets.size())) {
+        return -1;
+    }
+    return kSextets[text[0]] << 18 | kSextets[text[1]] << 12 | kSextets[text[2]] << 6 | kSextets[text[3]];
 }
 
 /// size: in, the room; out, the bytes written. False when the room does not suffice.
 bool Decode_(const wchar_t* next, const wchar_t* end, BYTE* decoded, std::size_t& size) {
-    const std::size_t room = size;
-    size = 0;
+    BYTE* out = decoded;
+    BYTE* const outEnd = decoded + size;
     while (next != end) {
-        std::int32_t bits = -1;
-        std::size_t sextets = 0;
-        if (end - next >= 4) { // four clean characters, as nearly all are; one outside the alphabet makes it negative
-            bits = Sextet_(next[0]) << 18 | Sextet_(next[1]) << 12 | Sextet_(next[2]) << 6 | Sextet_(next[3]);
-        }
-        if (bits >= 0) {
-            sextets = 4;
-            next += 4;
-        } else {
-            for (bits = 0; sextets < 4 && next != end; ++next) {
-                if (const std::int32_t sextet = Sextet_(*next); sextet >= 0) {
-                    bits = bits << 6 | sextet;
-                    ++sextets;
-                }
+        for (; end - next >= 4 && outEnd - out >= 3; next += 4, out += 3) {
+            const std::int32_t bits = Quad_(next);
+            if (bits < 0) {
+                break;
             }
-            bits <<= 6 * (4 - sextets);
+            out[0] = static_cast<BYTE>(bits >> 16);
+            out[1] = static_cast<BYTE>(bits >> 8);
+            out[2] = static_cast<BYTE>(bits);
         }
-        const std::size_t bytes = sextets * 6 / 8;
-        if (room - size < bytes) {
+        // A line end, padding or the last few characters: one by one.
+        std::int32_t bits = 0;
+        std::ptrdiff_t sextets = 0;
+        for (; sextets < 4 && next != end; ++next) {
+            if (*next < kSextets.size() && kSextets[*next] >= 0) {
+                bits = bits << 6 | kSextets[*next];
+                ++sextets;
+            }
+        }
+        bits <<= 6 * (4 - sextets);
+        const std::ptrdiff_t bytes = sextets * 6 / 8;
+        if (outEnd - out < bytes) {
             return false;
         }
-        for (std::size_t i = 0; i < bytes; ++i) {
-            decoded[size++] = static_cast<BYTE>(bits >> (16 - 8 * i));
+        for (std::ptrdiff_t i = 0; i < bytes; ++i) {
+            *out++ = static_cast<BYTE>(bits >> (16 - 8 * i));
         }
     }
+    size = static_cast<std::size_t>(out - decoded);
     return true;
 }
 

@@ -57,7 +57,13 @@ DateTime::DateTime(std::int64_t unixTime, std::int32_t kind) : kind_(kind), unix
 
 DateTime::DateTime(std::int32_t year, std::int32_t month, std::int32_t day, std::int32_t hour, std::int32_t minute,
                    std::int32_t second, std::int32_t millisecond, std::int32_t kind)
-    : year_(year), month_(month), day_(day), hour_(hour), minute_(minute), second_(second), millisecond_(millisecond),
+    : year_(year),
+      month_(month),
+      day_(day),
+      hour_(hour),
+      minute_(minute),
+      second_(second),
+      millisecond_(millisecond),
       kind_(kind) {
     ComputeUnixTime();
 }
@@ -90,8 +96,8 @@ void DateTime::ComputeUnixTime() {
 
 bool DateTime::operator<(const DateTime& other) const {
     if (kind_ != other.kind_) {
-        Throw(L"vorlek::DateTime::operator <",
-              L"Comparison not supported between times of different locales: ", kind_, L", ", other.kind_);
+        Throw(L"vorlek::DateTime::operator <", L"Comparison not supported between times of different locales: ", kind_,
+              L", ", other.kind_);
     }
     return unixTime_ != other.unixTime_ ? unixTime_ < other.unixTime_ : millisecond_ < other.millisecond_;
 }

@@ -96,16 +96,16 @@ void DirUtils::SetCurrentDirectoryW(const std::wstring& path) {
 }
 
 std::wstring DirUtils::GetSystemDirectoryW() {
-    const std::wstring path = QueryText<IOException>(
-        L"vorlek::DirUtils::GetSystemDirectoryW", ::GetSystemDirectoryW,
-        L"Failed to get size of system directory path. Error: ", L"Failed to get system directory path. Error: ");
+    const std::wstring path = QueryText<IOException>(L"vorlek::DirUtils::GetSystemDirectoryW", ::GetSystemDirectoryW,
+                                                     L"Failed to get size of system directory path. Error: ",
+                                                     L"Failed to get system directory path. Error: ");
     return PathUtils::Combine(path, {});
 }
 
 std::wstring DirUtils::GetWindowsDirectoryW() {
-    const std::wstring path = QueryText<IOException>(
-        L"vorlek::DirUtils::GetWindowsDirectoryW", ::GetWindowsDirectoryW,
-        L"Failed to get size of windows directory path. Error: ", L"Failed to get windows directory path. Error: ");
+    const std::wstring path = QueryText<IOException>(L"vorlek::DirUtils::GetWindowsDirectoryW", ::GetWindowsDirectoryW,
+                                                     L"Failed to get size of windows directory path. Error: ",
+                                                     L"Failed to get windows directory path. Error: ");
     return PathUtils::Combine(path, {});
 }
 

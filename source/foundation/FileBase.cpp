@@ -6,8 +6,8 @@
 
 namespace vorlek {
 
-FileBase::FileBase(const std::wstring& path, DWORD access, DWORD shareMode, DWORD creationDisposition,
-                   DWORD attributes, bool overlapped)
+FileBase::FileBase(const std::wstring& path, DWORD access, DWORD shareMode, DWORD creationDisposition, DWORD attributes,
+                   bool overlapped)
     : path_(path) {
     handle_ = CreateFileW(PathUtils::FixLongPath(path).c_str(), access, shareMode, nullptr, creationDisposition,
                           overlapped ? attributes | FILE_FLAG_OVERLAPPED : attributes, nullptr);

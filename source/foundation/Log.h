@@ -9,18 +9,17 @@
 
 #include "foundation/LoggerHolder.h"
 
-#define LOG_SITE                                                                                              \
-    ::log4cxx::spi::LocationInfo(__FILE__, ::log4cxx::spi::LocationInfo::calcShortFileName(__FILE__),         \
+#define LOG_SITE                                                                                                       \
+    ::log4cxx::spi::LocationInfo(__FILE__, ::log4cxx::spi::LocationInfo::calcShortFileName(__FILE__),                  \
                                  __PRETTY_FUNCTION__, __LINE__)
 
-#define LOG_AT_LEVEL(logger, severity, text)                                                                  \
-    do {                                                                                                      \
-        const ::log4cxx::LoggerPtr& logTarget = (logger);                                                     \
-        if (::log4cxx::Logger::is##severity##EnabledFor(logTarget)) {                                         \
-            ::log4cxx::helpers::MessageBuffer logBuffer;                                                      \
-            logTarget->forcedLog(::log4cxx::Level::get##severity(), logBuffer.str(logBuffer << text),         \
-                                 LOG_SITE);                                                                   \
-        }                                                                                                     \
+#define LOG_AT_LEVEL(logger, severity, text)                                                                           \
+    do {                                                                                                               \
+        const ::log4cxx::LoggerPtr& logTarget = (logger);                                                              \
+        if (::log4cxx::Logger::is##severity##EnabledFor(logTarget)) {                                                  \
+            ::log4cxx::helpers::MessageBuffer logBuffer;                                                               \
+            logTarget->forcedLog(::log4cxx::Level::get##severity(), logBuffer.str(logBuffer << text), LOG_SITE);       \
+        }                                                                                                              \
     } while (false)
 
 #define LOG_TRACE(logger, text) LOG_AT_LEVEL(logger, Trace, text)

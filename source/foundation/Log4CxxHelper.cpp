@@ -170,8 +170,7 @@ void InitLogger(LoggerHolder& holder, const char* name, bool isFile) {
     }
 }
 
-void LogCurrentException(LoggerHolder& holder, const std::wstring& prefix,
-                         const log4cxx::spi::LocationInfo& location) {
+void LogCurrentException(LoggerHolder& holder, const std::wstring& prefix, const log4cxx::spi::LocationInfo& location) {
     const DWORD lastError = GetLastError();
     std::wostringstream text;
     text << prefix;

@@ -33,11 +33,10 @@ void InitLogger(LoggerHolder& holder, const char* name, bool isFile);
 /// The log of code that speaks printf. Silent until a session has started. category: not looked at.
 /// level: 1 error, 2 warning, 3 information, all else debug. format: %s takes a narrow string, %S a wide
 /// one; one line end at the end is dropped.
-void LogLegacy(std::uint32_t category, int level, const char* format, const char* file, const char* function,
-               int line, ...);
+void LogLegacy(std::uint32_t category, int level, const char* format, const char* file, const char* function, int line,
+               ...);
 
 /// Inside a handler: logs the exception being handled at Fatal, behind the prefix and with its own words.
-void LogCurrentException(LoggerHolder& holder, const std::wstring& prefix,
-                         const log4cxx::spi::LocationInfo& location);
+void LogCurrentException(LoggerHolder& holder, const std::wstring& prefix, const log4cxx::spi::LocationInfo& location);
 
 } // namespace vorlek

@@ -24,8 +24,7 @@ HANDLE CreateNamed_(const std::wstring& name, const std::wstring& fullName) {
     // Another user made it and keeps the rest of us out of full access; to wait needs less.
     mutex = OpenMutexW(SYNCHRONIZE, FALSE, fullName.c_str());
     if (mutex == nullptr) {
-        Throw(L"vorlek::NamedMutex::NamedMutex", L"Failed to open named mutex \"", name, L"\" with: ",
-              GetLastError());
+        Throw(L"vorlek::NamedMutex::NamedMutex", L"Failed to open named mutex \"", name, L"\" with: ", GetLastError());
     }
     return mutex;
 }

@@ -53,17 +53,17 @@ RegistryKey::~RegistryKey() {
 }
 
 RegistryKey& RegistryKey::GetLocalMachine() {
-    static RegistryKey key(HKEY_LOCAL_MACHINE, L"");
+    static RegistryKey key(HKEY_LOCAL_MACHINE, {});
     return key;
 }
 
 RegistryKey& RegistryKey::GetCurrentUser() {
-    static RegistryKey key(HKEY_CURRENT_USER, L"");
+    static RegistryKey key(HKEY_CURRENT_USER, {});
     return key;
 }
 
 RegistryKey& RegistryKey::GetCurrentConfig() {
-    static RegistryKey key(HKEY_CURRENT_CONFIG, L"");
+    static RegistryKey key(HKEY_CURRENT_CONFIG, {});
     return key;
 }
 
@@ -71,8 +71,7 @@ std::shared_ptr<RegistryKey> RegistryKey::OpenSubKey(const std::wstring& name, R
     HKEY key = nullptr;
     const LSTATUS result = RegOpenKeyExW(handle_, name.c_str(), 0, access, &key);
     if (result != ERROR_SUCCESS) {
-        Throw<RegistryKeyException>(L"RegistryKey::OpenSubKey", L"RegOpenKeyEx failed on: ", name, L", with: ",
-                                    result);
+        Throw<RegistryKeyException>(L"RegistryKey::OpenSubKey", L"RegOpenKeyEx failed on: ", name, L", with: ", result);
     }
     return std::shared_ptr<RegistryKey>(new RegistryKey(key, name));
 }
@@ -80,9 +79,8 @@ std::shared_ptr<RegistryKey> RegistryKey::OpenSubKey(const std::wstring& name, R
 std::shared_ptr<RegistryKey> RegistryKey::CreateSubKey(const std::wstring& name, bool persistent) const {
     HKEY key = nullptr;
     const LSTATUS result =
-        RegCreateKeyExW(handle_, name.c_str(), 0, nullptr,
-                        persistent ? REG_OPTION_NON_VOLATILE : REG_OPTION_VOLATILE, KEY_ALL_ACCESS, nullptr, &key,
-                        nullptr);
+        RegCreateKeyExW(handle_, name.c_str(), 0, nullptr, persistent ? REG_OPTION_NON_VOLATILE : REG_OPTION_VOLATILE,
+                        KEY_ALL_ACCESS, nullptr, &key, nullptr);
     if (result != ERROR_SUCCESS) {
         Throw<RegistryKeyException>(L"RegistryKey::CreateSubKey", L"RegCreateKeyEx failed on: ", name, L", with: ",
                                     result);
@@ -194,7 +192,7 @@ void RegistryKey::SetValue(const std::wstring& name, DWORD value) const {
 }
 
 void RegistryKey::SetValue(const std::wstring& name, const std::wstring& value, bool expandable) const {
-    // Without the terminator, unlike the multi-string; readers of the stored data rely on its length.
+    // Without the terminator, on purpose and unlike the multi-string. Windows may still store one by itself.
     Write_(name, expandable ? REG_EXPAND_SZ : REG_SZ, value.c_str(), value.size() * sizeof(wchar_t));
 }
 
@@ -212,11 +210,10 @@ void RegistryKey::SetValue(const std::wstring& name, const std::vector<std::wstr
 }
 
 void RegistryKey::Write_(const std::wstring& name, DWORD type, const void* data, std::size_t size) const {
-    const LSTATUS result = RegSetValueExW(handle_, name.c_str(), 0, type, static_cast<const BYTE*>(data),
-                                          static_cast<DWORD>(size));
+    const LSTATUS result =
+        RegSetValueExW(handle_, name.c_str(), 0, type, static_cast<const BYTE*>(data), static_cast<DWORD>(size));
     if (result != ERROR_SUCCESS) {
-        Throw<RegistryKeyException>(L"RegistryKey::SetValue", L"RegSetValueEx failed on: ", name, L", with: ",
-                                    result);
+        Throw<RegistryKeyException>(L"RegistryKey::SetValue", L"RegSetValueEx failed on: ", name, L", with: ", result);
     }
 }
 

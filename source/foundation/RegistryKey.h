@@ -42,7 +42,7 @@ public:
     void GetValue(const std::wstring& name, std::vector<BYTE>& data, DWORD& type) const;
 
     void SetValue(const std::wstring& name, DWORD value) const;
-    /// The stored data has no terminator. expandable: REG_EXPAND_SZ instead of REG_SZ.
+    /// Written without a terminator. expandable: REG_EXPAND_SZ instead of REG_SZ.
     void SetValue(const std::wstring& name, const std::wstring& value, bool expandable = false) const;
     void SetValue(const std::wstring& name, const std::vector<BYTE>& data, DWORD type) const;
     void SetValue(const std::wstring& name, const std::vector<std::wstring>& values) const;

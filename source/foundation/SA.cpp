@@ -19,7 +19,6 @@ void SA::Init() {
     const std::wstring text = dacl_.ToString() + sacl_.ToString();
     if (!ConvertStringSecurityDescriptorToSecurityDescriptorW(text.c_str(), SDDL_REVISION_1,
                                                               &attributes_.lpSecurityDescriptor, nullptr)) {
-        vorlek::Throw(L"SA::Init", L"ConvertStringSecurityDescriptorToSecurityDescriptor failed with:",
-                      GetLastError());
+        vorlek::Throw(L"SA::Init", L"ConvertStringSecurityDescriptorToSecurityDescriptor failed with:", GetLastError());
     }
 }

@@ -51,8 +51,8 @@ void SetObjectSecurity(SE_OBJECT_TYPE objectType, const std::wstring& objectName
         vorlek::Throw(L"SecUtils::SetObjectSecurity", L"GetSecurityDescriptorDacl failed with: ", GetLastError());
     }
     std::wstring name = objectName; // the system's function takes it writable
-    const DWORD result = SetNamedSecurityInfoW(name.data(), objectType, DACL_SECURITY_INFORMATION, nullptr, nullptr,
-                                               dacl, nullptr);
+    const DWORD result =
+        SetNamedSecurityInfoW(name.data(), objectType, DACL_SECURITY_INFORMATION, nullptr, nullptr, dacl, nullptr);
     if (result == ERROR_FILE_NOT_FOUND) {
         vorlek::Throw<vorlek::FileNotFoundException>(L"SecUtils::SetObjectSecurity",
                                                      L"SetNamedSecurityInfoW failed with: ", result);

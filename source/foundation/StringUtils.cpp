@@ -56,8 +56,7 @@ bool StartsWith_(std::basic_string_view<T> text, std::basic_string_view<T> prefi
 template <class T>
 bool EndsWith_(std::basic_string_view<T> text, std::basic_string_view<T> suffix, bool ignoreCase,
                const std::locale& locale) {
-    return text.size() >= suffix.size() &&
-           Equal_(text.substr(text.size() - suffix.size()), suffix, ignoreCase, locale);
+    return text.size() >= suffix.size() && Equal_(text.substr(text.size() - suffix.size()), suffix, ignoreCase, locale);
 }
 
 template <class T>
@@ -113,9 +112,8 @@ std::wstring StringUtils::FromUtf8(std::string_view utf8) {
 }
 
 void StringUtils::ToLower(std::string& text) {
-    std::ranges::transform(text, text.begin(), [](char c) {
-        return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    });
+    std::ranges::transform(text, text.begin(),
+                           [](char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); });
 }
 
 void StringUtils::ToLower(std::wstring& text) {
@@ -123,9 +121,8 @@ void StringUtils::ToLower(std::wstring& text) {
 }
 
 void StringUtils::ToUpper(std::string& text) {
-    std::ranges::transform(text, text.begin(), [](char c) {
-        return static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-    });
+    std::ranges::transform(text, text.begin(),
+                           [](char c) { return static_cast<char>(std::toupper(static_cast<unsigned char>(c))); });
 }
 
 void StringUtils::ToUpper(std::wstring& text) {
@@ -142,8 +139,7 @@ bool StringUtils::StartsWith(std::wstring_view text, std::wstring_view prefix, b
     return StartsWith_(text, prefix, ignoreCase, locale);
 }
 
-bool StringUtils::EndsWith(std::string_view text, std::string_view suffix, bool ignoreCase,
-                           const std::locale& locale) {
+bool StringUtils::EndsWith(std::string_view text, std::string_view suffix, bool ignoreCase, const std::locale& locale) {
     return EndsWith_(text, suffix, ignoreCase, locale);
 }
 

@@ -14,7 +14,8 @@ public:
     template <class T>
     class CharCompare {
     public:
-        explicit CharCompare(const std::locale& locale) : locale_(locale), facet_(&std::use_facet<std::ctype<T>>(locale_)) {}
+        explicit CharCompare(const std::locale& locale)
+            : locale_(locale), facet_(&std::use_facet<std::ctype<T>>(locale_)) {}
         // The facet belongs to the locale of this very object.
         CharCompare(const CharCompare& other) : CharCompare(other.locale_) {}
         CharCompare& operator=(const CharCompare&) = delete;

@@ -13,8 +13,7 @@ class ThrowSite {
 public:
     template <std::size_t Size>
     // Implicit, so that a throw site is one call that begins with a plain literal.
-    constexpr ThrowSite(const wchar_t (&location)[Size],
-                        std::source_location source = std::source_location::current())
+    constexpr ThrowSite(const wchar_t (&location)[Size], std::source_location source = std::source_location::current())
         : location_(location), source_(source) {}
 
     /// The source file's name without its directories.

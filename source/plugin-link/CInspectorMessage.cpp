@@ -50,8 +50,7 @@ LoggerHolder CInspectorMessage::logger_;
 
 CInspectorMessage::CInspectorMessage() : CInspectorMessage(std::wstring()) {}
 
-CInspectorMessage::CInspectorMessage(const std::wstring& channel)
-    : pimpl_(std::make_shared<CInspectorMessagePimpl>()) {
+CInspectorMessage::CInspectorMessage(const std::wstring& channel) : pimpl_(std::make_shared<CInspectorMessagePimpl>()) {
     InitLogger(logger_, "vorlek::CInspectorMessage::CInspectorMessage", false);
     _CreateMainElements(channel);
 }
@@ -109,15 +108,15 @@ void CInspectorMessage::AddBinaryItem_(const BYTE* buffer, std::size_t length, c
         Throw<CInspectorMessageException>(L"vorlek::CInspectorMessage::AddBinaryItemToBody",
                                           L"Failed to convert buffer to base64");
     }
-    _AddDataItem(word::kBase64, data, items, L"");
+    _AddDataItem(word::kBase64, data, items, {});
 }
 
 void CInspectorMessage::AddFileItemToBody(const std::wstring& path, bool isFolder) {
-    _AddDataItem(isFolder ? word::kFolderPath : word::kFilePath, path, nullptr, L"");
+    _AddDataItem(isFolder ? word::kFolderPath : word::kFilePath, path, nullptr, {});
 }
 
 void CInspectorMessage::AddFileItemToBody(const std::wstring& path, const Items& items, bool isFolder) {
-    _AddDataItem(isFolder ? word::kFolderPath : word::kFilePath, path, &items, L"");
+    _AddDataItem(isFolder ? word::kFolderPath : word::kFilePath, path, &items, {});
 }
 
 // The root is touched at the very end, so that of an item that fails nothing is left.

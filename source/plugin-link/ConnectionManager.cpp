@@ -22,19 +22,19 @@ struct CallWords_ {
     const wchar_t* thrown;
 };
 
-constexpr CallWords_ kInspectWords = {
-    L"Failed to call Inspect: ", L"Failed to call Inspect.", L"Failed to call Inspect"};
-constexpr CallWords_ kBeginInspectWords = {
-    L"Failed to call BeginInspect: ", L"Failed to call BeginInspect.", L"Failed to call BeginInspect"};
-constexpr CallWords_ kHandleAppLaunchFileAccessWords = {
-    L"Failed to call HandleAppLaunchFileAccess: ", L"Failed to call HandleAppLaunchFileAccess.",
-    L"Failed to call HandleAppLaunchFileAccess"};
+constexpr CallWords_ kInspectWords = {L"Failed to call Inspect: ", L"Failed to call Inspect.",
+                                      L"Failed to call Inspect"};
+constexpr CallWords_ kBeginInspectWords = {L"Failed to call BeginInspect: ", L"Failed to call BeginInspect.",
+                                           L"Failed to call BeginInspect"};
+constexpr CallWords_ kHandleAppLaunchFileAccessWords = {L"Failed to call HandleAppLaunchFileAccess: ",
+                                                        L"Failed to call HandleAppLaunchFileAccess.",
+                                                        L"Failed to call HandleAppLaunchFileAccess"};
 // "at" and "At": logs and failures are searched for these very words.
-constexpr CallWords_ kProcessExitWords = {
-    L"Failed to call ProcessExit(at QLTAgent): ", L"Failed to call ProcessExit(At QLTAgent).",
-    L"Failed to call ProcessExit(At QLTAgent)"};
-constexpr CallWords_ kGetExecutionModeWords = {
-    L"Failed to call GetExecutionMode: ", L"Failed to call GetExecutionMode.", L"Failed to call GetExecutionMode"};
+constexpr CallWords_ kProcessExitWords = {L"Failed to call ProcessExit(at QLTAgent): ",
+                                          L"Failed to call ProcessExit(At QLTAgent).",
+                                          L"Failed to call ProcessExit(At QLTAgent)"};
+constexpr CallWords_ kGetExecutionModeWords = {L"Failed to call GetExecutionMode: ",
+                                               L"Failed to call GetExecutionMode.", L"Failed to call GetExecutionMode"};
 
 /// Makes a call: what the agent itself reports passes, all else becomes a failure of the connection.
 template <class Call>
@@ -117,8 +117,7 @@ void CConnectionManager::HandleAppLaunchFileAccess(const std::wstring& param) co
 }
 
 void CConnectionManager::HandleAppLaunchFileAccess(const CInspectorMessage& message) const {
-    HandleAppLaunchFileAccess(
-        Format_(L"vorlek::PluginUtils::CConnectionManager::HandleAppLaunchFileAccess", message));
+    HandleAppLaunchFileAccess(Format_(L"vorlek::PluginUtils::CConnectionManager::HandleAppLaunchFileAccess", message));
 }
 
 void CConnectionManager::ProcessExit(const std::wstring& param) const {
@@ -133,13 +132,12 @@ void CConnectionManager::ProcessExit(const CInspectorMessage& message) const {
 }
 
 std::int32_t CConnectionManager::GetExecutionMode(const std::wstring& channel) const {
-    return Translated_(logger_, LOG_SITE, L"vorlek::PluginUtils::CConnectionManager::GetExecutionMode",
-                       kGetExecutionModeWords, [&] {
-                           std::int32_t mode = -1;
-                           CallWithIntResult(plugin::kDataControlPlugin, method::kGetExecutionMode, {channel, false},
-                                             mode);
-                           return mode;
-                       });
+    return Translated_(
+        logger_, LOG_SITE, L"vorlek::PluginUtils::CConnectionManager::GetExecutionMode", kGetExecutionModeWords, [&] {
+            std::int32_t mode = -1;
+            CallWithIntResult(plugin::kDataControlPlugin, method::kGetExecutionMode, {channel, false}, mode);
+            return mode;
+        });
 }
 
 } // namespace vorlek::PluginUtils

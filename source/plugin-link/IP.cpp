@@ -26,8 +26,7 @@ void AddressInfoDeleter::operator()(ADDRINFOW* info) const {
     }
 }
 
-IP::IP(const std::wstring& host, std::uint16_t port)
-    : IP(host, port == 0 ? std::wstring() : std::to_wstring(port)) {}
+IP::IP(const std::wstring& host, std::uint16_t port) : IP(host, port == 0 ? std::wstring() : std::to_wstring(port)) {}
 
 IP::IP(const std::wstring& host, const std::wstring& service) : host_(host), service_(service) {
     Init();

@@ -95,8 +95,7 @@ void Message::Set(const std::wstring& name, std::wstring value, bool hidden) {
 }
 
 void Message::Set(const std::wstring& name, const std::vector<BYTE>& value, bool hidden) {
-    std::wstring text =
-        value.empty() ? std::wstring() : ConversionsUtils::Base64EncodeData(value.data(), value.size());
+    std::wstring text = value.empty() ? std::wstring() : ConversionsUtils::Base64EncodeData(value.data(), value.size());
     SetValue(name, std::move(text), kBytesTag, static_cast<std::uint32_t>(value.size()), hidden);
 }
 

@@ -48,8 +48,7 @@ std::unique_ptr<Message> PluginManagerClient::ReceiveResponse() {
         Throw(site, L"Couldn't receive any response messages!");
     }
     if (messages.size() > 1) {
-        LOG_WARN(logger_,
-                 L"Received more than a single message! Only single message is currently supported!");
+        LOG_WARN(logger_, L"Received more than a single message! Only single message is currently supported!");
     }
     std::unique_ptr<Message> response = std::move(messages.front());
     switch (response->GetMessageType()) {
@@ -87,8 +86,7 @@ void CallWithStringResult(const std::wstring& plugin, const std::wstring& method
     client.GetResult(result);
 }
 
-void CallWithIntResult(const std::wstring& plugin, const std::wstring& method, CallParam param,
-                       std::int32_t& result) {
+void CallWithIntResult(const std::wstring& plugin, const std::wstring& method, CallParam param, std::int32_t& result) {
     PluginManagerClient client(plugin, method);
     client.SetParam(std::move(param));
     client.SendRequest();

@@ -45,8 +45,7 @@ private:
 /// A whole call. Each throws what the steps of PluginManagerClient throw.
 void CallWithStringResult(const std::wstring& plugin, const std::wstring& method, CallParam param,
                           std::wstring& result);
-void CallWithIntResult(const std::wstring& plugin, const std::wstring& method, CallParam param,
-                       std::int32_t& result);
+void CallWithIntResult(const std::wstring& plugin, const std::wstring& method, CallParam param, std::int32_t& result);
 /// Returns once the request is sent: what the service answers is lost.
 void CallWithoutResult(const std::wstring& plugin, const std::wstring& method, CallParam param);
 

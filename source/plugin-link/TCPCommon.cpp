@@ -16,8 +16,7 @@ int Send(const Socket& socket, const std::vector<BYTE>& data) {
     if (!socket.IsValid() || data.empty()) {
         Throw(L"vorlek::TCPCommon::Send", L"Invalid parameter!");
     }
-    const int sent =
-        ::send(socket.Get(), reinterpret_cast<const char*>(data.data()), static_cast<int>(data.size()), 0);
+    const int sent = ::send(socket.Get(), reinterpret_cast<const char*>(data.data()), static_cast<int>(data.size()), 0);
     if (sent == SOCKET_ERROR) {
         const int error = WSAGetLastError();
         if (IsBrokenConnection_(error)) {

@@ -26,8 +26,8 @@ std::map<std::wstring, HKEY> Registered() {
             continue;
         }
         wchar_t name[256];
-        for (DWORD i = 0, size = 256; RegEnumKeyExW(key, i, name, &size, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
-             ++i, size = 256) {
+        for (DWORD i = 0, size = 256;
+             RegEnumKeyExW(key, i, name, &size, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS; ++i, size = 256) {
             DWORD behaviour = 0;
             DWORD length = sizeof behaviour;
             if (RegGetValueW(key, name, kLoadBehavior, RRF_RT_REG_DWORD, nullptr, &behaviour, &length) ==
@@ -57,11 +57,11 @@ AddInPtr Connect(const std::wstring& progId, IDispatch* application, std::wstrin
     CLSID classId{};
     AddInPtr addIn;
     SAFEARRAY* custom = SafeArrayCreateVector(VT_VARIANT, 1, 0);
-    const bool loaded =
-        check(CLSIDFromProgID(progId.c_str(), &classId), L"CLSIDFromProgID") &&
-        check(CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER, IID__IDTExtensibility2,
-                               reinterpret_cast<void**>(&addIn)), L"CoCreateInstance") &&
-        check(addIn->OnConnection(application, ext_cm_Startup, nullptr, &custom), L"OnConnection");
+    const bool loaded = check(CLSIDFromProgID(progId.c_str(), &classId), L"CLSIDFromProgID") &&
+                        check(CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER, IID__IDTExtensibility2,
+                                               reinterpret_cast<void**>(&addIn)),
+                              L"CoCreateInstance") &&
+                        check(addIn->OnConnection(application, ext_cm_Startup, nullptr, &custom), L"OnConnection");
     SafeArrayDestroy(custom);
     return loaded ? addIn : nullptr;
 }

@@ -11,8 +11,8 @@ namespace stand_ins {
 struct AddInLoad {
     std::wstring progId;
     bool loaded = false;
-    std::wstring failure;      ///< the step that failed and its HRESULT
-    double milliseconds = 0;   ///< creation and OnConnection
+    std::wstring failure;    ///< the step that failed and its HRESULT
+    double milliseconds = 0; ///< creation and OnConnection
 };
 
 /// The add-ins of a running Outlook: found under SOFTWARE\Microsoft\Office\Outlook\Addins of HKLM and HKCU, those

@@ -12,8 +12,7 @@ const Class& AttachmentClass() {
         ClassOf<Attachment>(L"Attachment", kAttachmentId)
             .Get(L"FileName", [](Attachment& self) { return TextValue(self.Alive().fileName); })
             .Get(L"DisplayName", [](Attachment& self) { return TextValue(self.Alive().displayName); })
-            .Put(L"DisplayName",
-                 [](Attachment& self, const Arguments& a) { self.Alive().displayName = a.Text(0); })
+            .Put(L"DisplayName", [](Attachment& self, const Arguments& a) { self.Alive().displayName = a.Text(0); })
             .Get(L"Type", [](Attachment& self) { return _variant_t(self.Alive().type); })
             .Get(L"Position", [](Attachment& self) { return _variant_t(self.Alive().position); })
             .Get(L"Size", [](Attachment& self) { return _variant_t(self.Size()); })
@@ -36,8 +35,8 @@ long Attachment::Size() const {
 
 void Attachment::SaveAs(const std::wstring& path) const {
     const std::string& content = Alive().content;
-    const HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL,
-                                    nullptr);
+    const HANDLE file =
+        CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     DWORD written = 0;
     const bool whole = file != INVALID_HANDLE_VALUE &&
                        WriteFile(file, content.data(), static_cast<DWORD>(content.size()), &written, nullptr);

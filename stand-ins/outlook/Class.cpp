@@ -8,8 +8,7 @@ constexpr DISPID kFirstId = 0x100;
 
 } // namespace
 
-Class::Class(const wchar_t* name, const IID& interfaceId, const Class* base)
-    : name_(name), interfaceId_(interfaceId) {
+Class::Class(const wchar_t* name, const IID& interfaceId, const Class* base) : name_(name), interfaceId_(interfaceId) {
     if (base != nullptr) {
         members_ = base->members_;
     }

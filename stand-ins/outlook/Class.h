@@ -17,8 +17,8 @@ struct Member {
     Body get = {};
     Body put = {};
     Body call = {};
-    bool indexed = false;    ///< the call also answers to a property get, as Item(i) does
-    size_t required = 0;     ///< arguments of the call
+    bool indexed = false; ///< the call also answers to a property get, as Item(i) does
+    size_t required = 0;  ///< arguments of the call
     size_t most = 0;
 };
 
@@ -51,9 +51,7 @@ public:
 
     template <class Body>
     ClassOf& Get(const wchar_t* name, Body body) {
-        Named_(name).get = [body](Object& self, const Arguments&) -> _variant_t {
-            return body(static_cast<T&>(self));
-        };
+        Named_(name).get = [body](Object& self, const Arguments&) -> _variant_t { return body(static_cast<T&>(self)); };
         return *this;
     }
 

@@ -20,8 +20,8 @@ struct CommandLine {
     bool addIns = true;
     bool tellShutdown = false;
     bool help = false;
-    DWORD waitMs = 60000;             ///< for an item that an add-in took into its hands
-    std::filesystem::path record;     ///< empty: no calls are recorded
+    DWORD waitMs = 60000;         ///< for an item that an add-in took into its hands
+    std::filesystem::path record; ///< empty: no calls are recorded
     std::vector<FaultOption> faults;
     std::vector<std::filesystem::path> items;
 };

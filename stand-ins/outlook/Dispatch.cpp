@@ -5,8 +5,7 @@
 namespace stand_ins {
 namespace {
 
-_variant_t CallByName(IDispatch* object, const wchar_t* member, WORD flags,
-                      const std::vector<_variant_t>& arguments) {
+_variant_t CallByName(IDispatch* object, const wchar_t* member, WORD flags, const std::vector<_variant_t>& arguments) {
     if (object == nullptr) {
         throw _com_error(E_POINTER);
     }

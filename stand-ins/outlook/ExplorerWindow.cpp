@@ -16,8 +16,8 @@ ExplorerWindow::ExplorerWindow(const std::wstring& caption, bool enabled) {
     windowClass.hInstance = GetModuleHandleW(nullptr);
     windowClass.lpszClassName = kClassName;
     RegisterClassW(&windowClass); // a second time it is there already
-    window_ = CreateWindowExW(0, kClassName, caption.c_str(), WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 800, 600,
-                              nullptr, nullptr, windowClass.hInstance, nullptr);
+    window_ = CreateWindowExW(0, kClassName, caption.c_str(), WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 800, 600, nullptr,
+                              nullptr, windowClass.hInstance, nullptr);
     if (window_ == nullptr) {
         throw std::runtime_error("the explorer window cannot be created: error " + std::to_string(GetLastError()));
     }

@@ -9,15 +9,17 @@
 namespace stand_ins {
 
 void Faults::Fail(std::wstring_view member, HRESULT result, size_t nth) {
-    On(member,
-       [result, name = std::wstring(member)](const Call&) -> std::optional<_variant_t> {
-           throw Failure{result, name + L" was told to fail with " + Hex(result) + L"."};
-       },
-       nth);
+    On(
+        member,
+        [result, name = std::wstring(member)](const Call&) -> std::optional<_variant_t> {
+            throw Failure{result, name + L" was told to fail with " + Hex(result) + L"."};
+        },
+        nth);
 }
 
 void Faults::Answer(std::wstring_view member, const _variant_t& value, size_t nth) {
-    On(member, [value](const Call&) { return std::optional(value); }, nth);
+    On(
+        member, [value](const Call&) { return std::optional(value); }, nth);
 }
 
 void Faults::On(std::wstring_view member, Action action, size_t nth) {

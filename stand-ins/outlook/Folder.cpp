@@ -22,13 +22,11 @@ const Class& FolderClass() {
     static const Class members =
         ClassOf<Folder>(L"MAPIFolder", kFolderId)
             .Get(L"Name", [](Folder& self) { return TextValue(self.Path().filename().wstring()); })
-            .Get(L"EntryID",
-                 [](Folder& self) { return TextValue(L"00000000" + HexOf(ToUtf8(self.Path().wstring()))); })
+            .Get(L"EntryID", [](Folder& self) { return TextValue(L"00000000" + HexOf(ToUtf8(self.Path().wstring()))); })
             .Get(L"StoreID", [](Folder& self) { return TextValue(Store::StoreId(self.Path())); })
             .Get(L"FolderPath", [](Folder& self) { return TextValue(L"\\\\" + self.Path().wstring()); })
             .Get(L"Parent", [](Folder& self) { return ObjectValue(ParentOf(self)); })
-            .Get(L"Folders",
-                 [](Folder& self) { return ObjectValue(Make<Folders>(self.SharedOwner(), self.Path())); })
+            .Get(L"Folders", [](Folder& self) { return ObjectValue(Make<Folders>(self.SharedOwner(), self.Path())); })
             .Get(L"Items", [](Folder& self) { return ObjectValue(Make<Items>(self.SharedOwner(), self.Path())); });
     return members;
 }

@@ -34,9 +34,8 @@ DispatchPtr Folders::Item(const Arguments& arguments) {
     DispatchPtr found;
     if (arguments.Value(0).vt == VT_BSTR) {
         const std::wstring name = arguments.Text(0);
-        const auto match = std::ranges::find_if(folders_, [&](const FolderPath& folder) {
-            return _wcsicmp(folder.filename().c_str(), name.c_str()) == 0;
-        });
+        const auto match = std::ranges::find_if(
+            folders_, [&](const FolderPath& folder) { return _wcsicmp(folder.filename().c_str(), name.c_str()) == 0; });
         found = At(static_cast<long>(match - folders_.begin()) + 1);
     } else {
         found = At(arguments.Number(0));

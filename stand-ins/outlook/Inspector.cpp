@@ -8,7 +8,9 @@ namespace stand_ins {
 namespace {
 
 std::wstring Caption(const ItemData& item) {
-    const wchar_t* format = item.bodyFormat == Html ? L"HTML" : item.bodyFormat == RichText ? L"Rich Text" : L"Plain Text";
+    const wchar_t* format = item.bodyFormat == Html       ? L"HTML"
+                            : item.bodyFormat == RichText ? L"Rich Text"
+                                                          : L"Plain Text";
     return (item.subject.empty() ? L"Untitled" : item.subject) + L" - Message (" + format + L") ";
 }
 
@@ -27,9 +29,7 @@ const Class& InspectorClass() {
                      return ObjectValue(self.Owner().Show(self.Record()));
                  })
             .Call(L"Close", 1, 1,
-                  [](Inspector& self, const Arguments& a) {
-                      CloseItem(self.Owner(), self.Record(), a.Number(0));
-                  })
+                  [](Inspector& self, const Arguments& a) { CloseItem(self.Owner(), self.Record(), a.Number(0)); })
             .Call(L"Display", 0, 1, [](Inspector& self, const Arguments&) {
                 self.Record()->CheckAlive();
                 self.Owner().OpenInspector(self.Record());

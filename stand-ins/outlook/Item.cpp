@@ -74,7 +74,8 @@ ClassOf<Item> BuildItemClass() {
             return ObjectValue(Make<PropertyAccessor>(item.SharedOwner(), PropertiesOfItem(item.Record())));
         });
     members.Call(L"Save", 0, 0, [](Item& item, const Arguments&) { item.Owner().Save(item.Record()); })
-        .Call(L"Close", 1, 1, [](Item& item, const Arguments& a) { CloseItem(item.Owner(), item.Record(), a.Number(0)); })
+        .Call(L"Close", 1, 1,
+              [](Item& item, const Arguments& a) { CloseItem(item.Owner(), item.Record(), a.Number(0)); })
         .Call(L"Display", 0, 1,
               [](Item& item, const Arguments&) {
                   item.Alive();
@@ -85,8 +86,7 @@ ClassOf<Item> BuildItemClass() {
                   Session& session = item.Owner();
                   return ObjectValue(session.Show(session.Copy(item.Record())));
               })
-        .Call(L"Move", 1, 1,
-              [](Item& item, const Arguments& a) { return ObjectValue(MoveTo(item, a.Object(0))); })
+        .Call(L"Move", 1, 1, [](Item& item, const Arguments& a) { return ObjectValue(MoveTo(item, a.Object(0))); })
         .Call(L"Delete", 0, 0, [](Item& item, const Arguments&) { item.Owner().Delete(item.Record()); });
     return members;
 }

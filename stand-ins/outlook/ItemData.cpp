@@ -121,10 +121,14 @@ Json ToJson(const RecipientData& recipient) {
 }
 
 Json ToJson(const AttachmentData& attachment) {
-    return {{"fileName", ToUtf8(attachment.fileName)},       {"displayName", ToUtf8(attachment.displayName)},
-            {"type", attachment.type},                       {"position", attachment.position},
-            {"mimeType", ToUtf8(attachment.mimeType)},       {"contentId", ToUtf8(attachment.contentId)},
-            {"content", Base64Encode(attachment.content)},   {"saved", attachment.saved}};
+    return {{"fileName", ToUtf8(attachment.fileName)},
+            {"displayName", ToUtf8(attachment.displayName)},
+            {"type", attachment.type},
+            {"position", attachment.position},
+            {"mimeType", ToUtf8(attachment.mimeType)},
+            {"contentId", ToUtf8(attachment.contentId)},
+            {"content", Base64Encode(attachment.content)},
+            {"saved", attachment.saved}};
 }
 
 RecipientData ReadRecipient(const Reader& reader) {

@@ -17,46 +17,46 @@ using Properties = std::map<unsigned long, std::wstring>;
 
 struct RecipientData {
     std::wstring name = {};
-    std::wstring address = {};            ///< SMTP, or another kind's address when addressType says so
-    long type = 1;                        ///< 0 originator, 1 To, 2 CC, 3 BCC; anything else is kept as it is
-    bool resolved = true;                 ///< ResolveAll resolves whoever has an address
+    std::wstring address = {}; ///< SMTP, or another kind's address when addressType says so
+    long type = 1;             ///< 0 originator, 1 To, 2 CC, 3 BCC; anything else is kept as it is
+    bool resolved = true;      ///< ResolveAll resolves whoever has an address
     std::wstring addressType = L"SMTP";
-    std::wstring group = {};              ///< the named group of a mail's header that he stands in, if any
-    Properties properties = {};           ///< an EX recipient's SMTP address: {0x39FE001F, L"..."}
+    std::wstring group = {};    ///< the named group of a mail's header that he stands in, if any
+    Properties properties = {}; ///< an EX recipient's SMTP address: {0x39FE001F, L"..."}
 };
 
 struct AttachmentData {
     std::wstring fileName = {};
-    std::string content = {};             ///< bytes
-    std::wstring displayName = {};        ///< empty: the file name
-    long type = 1;                        ///< 1 by value, 5 embedded item
+    std::string content = {};      ///< bytes
+    std::wstring displayName = {}; ///< empty: the file name
+    long type = 1;                 ///< 1 by value, 5 embedded item
     long position = 0;
     std::wstring mimeType = {};
-    std::wstring contentId = {};          ///< of a picture shown inside the HTML body, without angle brackets
-    bool saved = false;                   ///< Size reads 0 until the first save
+    std::wstring contentId = {}; ///< of a picture shown inside the HTML body, without angle brackets
+    bool saved = false;          ///< Size reads 0 until the first save
 };
 
 /// All that an item holds: what a test builds, what the store keeps and what is delivered.
 struct ItemData {
     ItemKind kind = ItemKind::Mail;
     std::wstring subject = {};
-    std::wstring body = {};               ///< plain text; of an HTML mail derived when it is empty
+    std::wstring body = {}; ///< plain text; of an HTML mail derived when it is empty
     std::wstring htmlBody = {};
     std::string rtfBody = {};
-    long bodyFormat = 0;                  ///< 1 plain, 2 HTML, 3 rich text; 0: by the bodies that are there
+    long bodyFormat = 0; ///< 1 plain, 2 HTML, 3 rich text; 0: by the bodies that are there
     std::wstring fromName = {};
-    std::wstring account = {};            ///< SMTP address of SendUsingAccount; without hasAccount no account at all
-    bool hasAccount = false;              ///< set by itself when account is not empty
+    std::wstring account = {}; ///< SMTP address of SendUsingAccount; without hasAccount no account at all
+    bool hasAccount = false;   ///< set by itself when account is not empty
     std::vector<RecipientData> recipients = {};
     std::vector<AttachmentData> attachments = {};
     bool autoForwarded = false;
     std::wstring votingResponse = {};
-    std::wstring messageClass = {};       ///< empty: that of the kind
+    std::wstring messageClass = {}; ///< empty: that of the kind
     Properties properties = {};
     std::vector<std::pair<std::wstring, std::wstring>> headers = {}; ///< of the mail it came from, kept for delivery
 
-    std::wstring entryId = {};            ///< empty until the first save
-    double lastModificationTime = 0;      ///< OLE date, local; 0 before the first save
+    std::wstring entryId = {};       ///< empty until the first save
+    double lastModificationTime = 0; ///< OLE date, local; 0 before the first save
     bool sent = false;
 };
 

@@ -25,8 +25,7 @@ Road Choose(const Member& member, WORD flags) {
 
 void CheckCount(const Member& member, const Road& road, const DISPPARAMS& parameters) {
     const bool put = road.body == &member.put;
-    if (parameters.cNamedArgs != (put ? 1U : 0U) ||
-        (put && parameters.rgdispidNamedArgs[0] != DISPID_PROPERTYPUT)) {
+    if (parameters.cNamedArgs != (put ? 1U : 0U) || (put && parameters.rgdispidNamedArgs[0] != DISPID_PROPERTYPUT)) {
         throw BadCall{DISP_E_NONAMEDARGS};
     }
     const size_t required = put ? 1 : road.body == &member.call ? member.required : 0;
@@ -62,8 +61,7 @@ HRESULT Report(const Failure& failure, EXCEPINFO* exception) {
 
 } // namespace
 
-Object::Object(std::shared_ptr<Session> session, const Class& model)
-    : session_(std::move(session)), model_(model) {}
+Object::Object(std::shared_ptr<Session> session, const Class& model) : session_(std::move(session)), model_(model) {}
 
 HRESULT Object::QueryInterface(REFIID interfaceId, void** object) {
     if (object == nullptr) {

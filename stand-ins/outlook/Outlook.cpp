@@ -27,11 +27,12 @@ struct Outlook::Apartment_ {
 };
 
 Outlook::Outlook(OutlookOptions options)
-    : apartment_(std::make_unique<Apartment_>()), lock_(std::make_unique<ProfileLock>(options.profile)),
+    : apartment_(std::make_unique<Apartment_>()),
+      lock_(std::make_unique<ProfileLock>(options.profile)),
       session_(std::make_shared<Session>(std::move(options))) {
     if (session_->options.explorer != ExplorerState::Missing) {
         window_ = std::make_unique<stand_ins::ExplorerWindow>(session_->caption,
-                                                   session_->options.explorer == ExplorerState::Shown);
+                                                              session_->options.explorer == ExplorerState::Shown);
     }
     application_ = session_->Root();
 }

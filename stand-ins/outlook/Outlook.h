@@ -24,9 +24,9 @@ class Session;
 struct SendResult {
     enum class Outcome { Sent, Stopped, Failed };
     Outcome outcome = Outcome::Failed;
-    HRESULT error = S_OK;    ///< of a failure
-    std::wstring reason;     ///< of a failure, in words
-    std::wstring entryId;    ///< of the item if it did not leave; empty when it was never saved
+    HRESULT error = S_OK; ///< of a failure
+    std::wstring reason;  ///< of a failure, in words
+    std::wstring entryId; ///< of the item if it did not leave; empty when it was never saved
     std::shared_ptr<const ItemRecord> item;
 };
 
@@ -34,8 +34,8 @@ struct SendResult {
 /// object lives. Objects handed out may outlive it.
 ///
 ///     Outlook outlook({.profile = folder.Path()});
-///     const auto mail = outlook.NewMail({.subject = L"Hello", .body = L"Text", .recipients = {{.address = L"a@b.example"}}});
-///     EXPECT_EQ(outlook.Send(mail).outcome, SendResult::Outcome::Sent);
+///     const auto mail = outlook.NewMail({.subject = L"Hello", .body = L"Text", .recipients = {{.address =
+///     L"a@b.example"}}}); EXPECT_EQ(outlook.Send(mail).outcome, SendResult::Outcome::Sent);
 class Outlook {
 public:
     /// Opens the profile, which is created when it is missing, and shows the explorer window.

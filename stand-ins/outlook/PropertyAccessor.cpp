@@ -45,10 +45,10 @@ Text Own(const Properties& properties, unsigned long tag) {
 }
 
 const Class& PropertyAccessorClass() {
-    static const Class members =
-        ClassOf<PropertyAccessor>(L"PropertyAccessor", kPropertyAccessorId)
-            .Call(L"GetProperty", 1, 1,
-                  [](PropertyAccessor& self, const Arguments& a) { return TextValue(self.Read(a.Text(0))); });
+    static const Class members = ClassOf<PropertyAccessor>(L"PropertyAccessor", kPropertyAccessorId)
+                                     .Call(L"GetProperty", 1, 1, [](PropertyAccessor& self, const Arguments& a) {
+                                         return TextValue(self.Read(a.Text(0)));
+                                     });
     return members;
 }
 
@@ -81,13 +81,20 @@ PropertyReader PropertiesOfItem(std::shared_ptr<ItemRecord> record) {
             return own;
         }
         switch (tag) {
-        case kMessageClass: return item.messageClass;
-        case kSubject: return item.subject;
-        case kNormalizedSubject: return NormalizedSubject(item.subject);
-        case kBody: return item.body;
-        case kSentRepresentingName: return NotEmpty(item.fromName);
-        case kSenderAddress: return NotEmpty(item.account);
-        default: return {};
+        case kMessageClass:
+            return item.messageClass;
+        case kSubject:
+            return item.subject;
+        case kNormalizedSubject:
+            return NormalizedSubject(item.subject);
+        case kBody:
+            return item.body;
+        case kSentRepresentingName:
+            return NotEmpty(item.fromName);
+        case kSenderAddress:
+            return NotEmpty(item.account);
+        default:
+            return {};
         }
     };
 }
@@ -99,11 +106,16 @@ PropertyReader PropertiesOfRecipient(std::shared_ptr<ItemRecord> record, std::sh
             return own;
         }
         switch (tag) {
-        case kDisplayName: return recipient->name.empty() ? recipient->address : recipient->name;
-        case kAddressType: return recipient->addressType;
-        case kEmailAddress: return NotEmpty(recipient->address);
-        case kSmtpAddress: return recipient->addressType == L"SMTP" ? NotEmpty(recipient->address) : Text();
-        default: return {};
+        case kDisplayName:
+            return recipient->name.empty() ? recipient->address : recipient->name;
+        case kAddressType:
+            return recipient->addressType;
+        case kEmailAddress:
+            return NotEmpty(recipient->address);
+        case kSmtpAddress:
+            return recipient->addressType == L"SMTP" ? NotEmpty(recipient->address) : Text();
+        default:
+            return {};
         }
     };
 }
@@ -112,11 +124,16 @@ PropertyReader PropertiesOfAttachment(std::shared_ptr<ItemRecord> record, std::s
     return [record, attachment](unsigned long tag) -> Text {
         record->CheckAlive();
         switch (tag) {
-        case kDisplayName: return attachment->displayName;
-        case kAttachFileName: return attachment->fileName;
-        case kAttachMimeType: return NotEmpty(attachment->mimeType);
-        case kAttachContentId: return NotEmpty(attachment->contentId);
-        default: return {};
+        case kDisplayName:
+            return attachment->displayName;
+        case kAttachFileName:
+            return attachment->fileName;
+        case kAttachMimeType:
+            return NotEmpty(attachment->mimeType);
+        case kAttachContentId:
+            return NotEmpty(attachment->contentId);
+        default:
+            return {};
         }
     };
 }

@@ -27,8 +27,8 @@ const Class& RecipientClass() {
             .Get(L"PropertyAccessor",
                  [](Recipient& self) {
                      self.Alive();
-                     return ObjectValue(Make<PropertyAccessor>(self.SharedOwner(),
-                                                               PropertiesOfRecipient(self.Record(), self.Data())));
+                     return ObjectValue(
+                         Make<PropertyAccessor>(self.SharedOwner(), PropertiesOfRecipient(self.Record(), self.Data())));
                  })
             .Call(L"Resolve", 0, 0,
                   [](Recipient& self, const Arguments&) { return _variant_t(Resolve(self.Alive())); });

@@ -13,12 +13,16 @@ std::wstring Render(const _variant_t& value) {
     switch (value.vt) {
     case VT_BSTR: {
         std::wstring text(value.bstrVal != nullptr ? value.bstrVal : L"", SysStringLen(value.bstrVal));
-        std::ranges::replace_if(text, [](wchar_t c) { return c < L' '; }, L' ');
+        std::ranges::replace_if(
+            text, [](wchar_t c) { return c < L' '; }, L' ');
         return L"\"" + (text.size() > kLongestText ? text.substr(0, kLongestText) + L"..." : text) + L"\"";
     }
-    case VT_ERROR: return L"missing";
-    case VT_BOOL: return value.boolVal != VARIANT_FALSE ? L"true" : L"false";
-    default: break;
+    case VT_ERROR:
+        return L"missing";
+    case VT_BOOL:
+        return value.boolVal != VARIANT_FALSE ? L"true" : L"false";
+    default:
+        break;
     }
     _variant_t text;
     return SUCCEEDED(VariantChangeType(&text, const_cast<_variant_t*>(&value), 0, VT_BSTR)) && text.bstrVal != nullptr
@@ -37,9 +41,8 @@ std::wstring Call::ToString() const {
 }
 
 bool IsMember(std::wstring_view recorded, std::wstring_view name) {
-    return recorded == name ||
-           (recorded.starts_with(name) && (recorded.substr(name.size()) == L" get" ||
-                                           recorded.substr(name.size()) == L" put"));
+    return recorded == name || (recorded.starts_with(name) &&
+                                (recorded.substr(name.size()) == L" get" || recorded.substr(name.size()) == L" put"));
 }
 
 void Recorder::Add(Call call) {

@@ -10,9 +10,9 @@ namespace stand_ins {
 
 /// One call of a member of the object model.
 struct Call {
-    std::wstring member;                ///< "MailItem.Subject get", "MailItem.Subject put", "MailItem.Send"
-    std::vector<_variant_t> arguments;  ///< in the order in which they are written, missing ones as VT_ERROR; what is
-                                        ///< kept of an object is the text <object> or <nothing>, to hold none alive
+    std::wstring member;               ///< "MailItem.Subject get", "MailItem.Subject put", "MailItem.Send"
+    std::vector<_variant_t> arguments; ///< in the order in which they are written, missing ones as VT_ERROR; what is
+                                       ///< kept of an object is the text <object> or <nothing>, to hold none alive
     DWORD thread = 0;
 
     /// The member with its arguments, one line: `MailItem.Close(0)`. Long texts are cut.

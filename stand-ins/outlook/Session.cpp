@@ -28,8 +28,10 @@ double Now() {
 } // namespace
 
 Session::Session(OutlookOptions given)
-    : options(std::move(given)), caption(std::wstring(L"Inbox - ") + kDefaultStore + L" - Outlook"),
-      store(options.profile), thread_(GetCurrentThreadId()) {}
+    : options(std::move(given)),
+      caption(std::wstring(L"Inbox - ") + kDefaultStore + L" - Outlook"),
+      store(options.profile),
+      thread_(GetCurrentThreadId()) {}
 
 bool Session::MayCall() const {
     return !options.strictThreads || GetCurrentThreadId() == thread_;

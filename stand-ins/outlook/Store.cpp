@@ -36,8 +36,8 @@ void CreateFolder(const fs::path& folder) {
 // Written through to the disk before it takes the name.
 void WriteWhole(const fs::path& file, const std::string& bytes) {
     const fs::path draft = file.wstring() + L".new";
-    const HANDLE handle = CreateFileW(draft.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL,
-                                      nullptr);
+    const HANDLE handle =
+        CreateFileW(draft.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
     if (handle == INVALID_HANDLE_VALUE) {
         Fail("cannot write", draft, LastError());
     }

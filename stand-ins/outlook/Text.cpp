@@ -33,7 +33,7 @@ void AppendCodePoint(std::wstring& text, unsigned long code) {
 // The entity at the start of the text, appended resolved; the number of characters taken, at least 1.
 size_t AppendEntity(std::wstring& plain, std::wstring_view text) {
     static const std::map<std::wstring, wchar_t, std::less<>> known = {
-        {L"amp", L'&'},      {L"lt", L'<'},      {L"gt", L'>'},      {L"quot", L'"'},     {L"apos", L'\''},
+        {L"amp", L'&'},       {L"lt", L'<'},        {L"gt", L'>'},        {L"quot", L'"'},       {L"apos", L'\''},
         {L"nbsp", L'\x00A0'}, {L"copy", L'\x00A9'}, {L"euro", L'\x20AC'}, {L"ndash", L'\x2013'}, {L"mdash", L'\x2014'}};
     const size_t end = text.substr(0, 12).find(L';');
     if (end != std::wstring_view::npos && end > 1) {
@@ -165,12 +165,22 @@ std::wstring HtmlOf(std::wstring_view text) {
     std::wstring html = L"<html><body><p>";
     for (const wchar_t c : text) {
         switch (c) {
-        case L'&': html += L"&amp;"; break;
-        case L'<': html += L"&lt;"; break;
-        case L'>': html += L"&gt;"; break;
-        case L'\r': break;
-        case L'\n': html += L"<br>\r\n"; break;
-        default: html += c;
+        case L'&':
+            html += L"&amp;";
+            break;
+        case L'<':
+            html += L"&lt;";
+            break;
+        case L'>':
+            html += L"&gt;";
+            break;
+        case L'\r':
+            break;
+        case L'\n':
+            html += L"<br>\r\n";
+            break;
+        default:
+            html += c;
         }
     }
     return html + L"</p></body></html>";

@@ -55,6 +55,11 @@ def clean(text):
     return text.encode("utf-16", "surrogatepass").decode("utf-16", "replace")
 
 
+def one_line(text):
+    """The text as a header can hold it: every control character and line end is a blank."""
+    return re.sub(r"[\x00-\x1f\x7f\x85\u2028\u2029]+", " ", clean(text))
+
+
 def decode_bytes(data, charset):
     """Text in a character set that may be unknown, wrong or missing."""
     for name in (charset, "utf-8"):
@@ -74,7 +79,7 @@ def decode_bytes(data, charset):
 def unfold(value):
     """A header's value as it stands in the file, on one line; bytes beyond ASCII by the best guess."""
     text = re.sub(r"\r?\n(?=[ \t])", "", str(value)).strip()
-    return decode_bytes(text.encode("utf-8", "surrogateescape"), "utf-8")
+    return decode_bytes(text.encode("utf-8", "surrogateescape"), None)
 
 
 def raw_headers(part, name):
@@ -113,19 +118,36 @@ def line_of(data, needle):
     return data.count(b"\n", 0, at) + 1 if at >= 0 else None
 
 
+def split_parts(raw, boundary):
+    """The parts of a multipart as they stand in the file."""
+    delimiter = re.compile(rb"(?:\A|\r?\n)--" + re.escape(boundary.encode("ascii", "replace")) +
+                           rb"(--)?[ \t]*(?=\r?\n|\Z)")
+    found = []
+    for match in delimiter.finditer(raw):
+        found.append(match)
+        if match[1]:
+            break
+    return [raw[a.end():b.start()].removeprefix(b"\r").removeprefix(b"\n") for a, b in zip(found, found[1:])]
+
+
+def body_of(raw):
+    """What stands behind the headers."""
+    blank = re.search(rb"(?:\A|\n)\r?\n", raw)
+    return raw[blank.end():] if blank else b""
+
+
 class Opener:
     """Takes a message apart into an item."""
 
     def __init__(self, data):
         self.data = data
-        self.newline = b"\r\n" if b"\r\n" in data else b"\n"
         self.bodies = {}
         self.attachments = []
         self.message = email.message_from_bytes(data, policy=POLICY)
 
     def item(self):
         self.check_is_mail()
-        self.take(self.message, "1", own=True)
+        self.take(self.message, self.data, "1", own=True)
         bodies = self.bodies
         sender = next(iter(addresses(self.message, "from")), None)
         rich = "text/rtf" in bodies
@@ -178,18 +200,22 @@ class Opener:
             if name.lower() not in OWN_HEADERS and not name.lower().startswith("content-")
         ]
 
-    def take(self, part, where, own):
-        """Sorts a part into bodies and attachments; own: it may still be the body of the mail."""
+    def take(self, part, raw, where, own):
+        """Sorts a part, with its raw form, into bodies and attachments; own: it may still be the body of the mail."""
         self.check(part, where)
         kind = part.get_content_type()
         if kind == "message/rfc822":
-            self.attach_message(part, where)
+            self.attach_message(part, raw, where)
         elif part.get_content_maintype() == "multipart":
             if not part.is_multipart():
                 self.fail(part, where, "a multipart without parts")
             related = kind == "multipart/related"
-            for number, child in enumerate(part.get_payload(), 1):
-                self.take(child, f"{where}.{number}", own and (number == 1 or not related))
+            children = part.get_payload()
+            pieces = split_parts(raw, part.get_boundary())
+            if len(pieces) != len(children):
+                self.fail(part, where, "a multipart whose boundaries are not in order")
+            for number, (child, piece) in enumerate(zip(children, pieces), 1):
+                self.take(child, piece, f"{where}.{number}", own and (number == 1 or not related))
         elif own and self.is_body(part, kind):
             self.bodies[self.body_kind(kind)] = self.body_text(part, where, kind)
         else:
@@ -235,18 +261,16 @@ class Opener:
             "content": base64.b64encode(self.payload(part, where)).decode("ascii"),
         })
 
-    def attach_message(self, part, where):
-        inner = part.get_payload(0) if part.is_multipart() else None
-        if inner is None:
-            self.fail(part, where, "an attached mail that is empty")
-        linesep = self.newline.decode("ascii")
-        data = inner.as_bytes(policy=POLICY.clone(linesep=linesep, max_line_length=None))
-        if raw_header(part, "content-transfer-encoding").strip().lower() == "base64":
+    def attach_message(self, part, raw, where):
+        data = body_of(raw)
+        if raw_header(part, "content-transfer-encoding").lower() == "base64":
             try:
                 data = base64.b64decode(b"".join(data.split()), validate=True)
             except binascii.Error:
                 self.fail(part, where, "base64 that cannot be decoded")
-            inner = email.message_from_bytes(data, policy=POLICY)
+        if not data.strip():
+            self.fail(part, where, "an attached mail that is empty")
+        inner = email.message_from_bytes(data, policy=POLICY)
         subject = clean(decode_words(raw_header(inner, "subject"))) or "message"
         name = part.get_filename() or re.sub(r'[\\/:*?"<>|\r\n\t]', "_", subject) + ".eml"
         self.attachments.append({
@@ -290,8 +314,9 @@ class Writer:
         for name, value in self.headers():
             try:
                 root[name] = value
-            except ValueError:
-                pass  # a second one of a header that stands once
+            except Exception:  # a second one of a header that stands once, or a kept one that is malformed
+                if name in ("From", "To", "Cc", "Bcc", "Subject"):
+                    raise
         root["MIME-Version"] = "1.0"
         # Content headers last, as people expect to read who wrote what first.
         for name in ("Content-Type", "Content-Transfer-Encoding"):
@@ -301,17 +326,25 @@ class Writer:
                 root[name] = value
         return root
 
+    def as_bytes(self):
+        message = self.message()
+        try:
+            return message.as_bytes(policy=POLICY)
+        except UnicodeEncodeError:
+            # An address beyond ASCII: such a mail goes by SMTPUTF8, with headers in UTF-8 (RFC 6532).
+            return message.as_bytes(policy=POLICY.clone(utf8=True))
+
     def headers(self):
-        kept = [(str(n), re.sub(r"[\r\n]+", " ", clean(str(v)))) for n, v in self.list_of("headers")]
+        kept = [(str(n), one_line(str(v))) for n, v in self.list_of("headers")]
         kept = [(n, v) for n, v in kept if re.fullmatch(r"[!-9;-~]+", n)]
         sender = self.text_of("account")
         if sender:
-            yield "From", [one_address(self.text_of("fromName"), sender)]
+            yield "From", [one_address(one_line(self.text_of("fromName")), one_line(sender))]
         for name, kind in (("To", 1), ("Cc", 2), ("Bcc", 3)):
             listed = self.recipients(kind)
             if listed:
                 yield name, listed
-        yield "Subject", re.sub(r"[\r\n]+", " ", self.text_of("subject"))
+        yield "Subject", one_line(self.text_of("subject"))
         if not any(n.lower() == "date" for n, _ in kept):
             yield "Date", email.utils.formatdate(localtime=True)
         yield from kept
@@ -322,11 +355,11 @@ class Writer:
         for recipient in self.list_of("recipients"):
             if recipient.get("type", 1) != kind:
                 continue
-            name, address = clean(recipient.get("name") or ""), clean(recipient.get("address") or "")
+            name, address = one_line(recipient.get("name") or ""), one_line(recipient.get("address") or "")
             if recipient.get("addressType", "SMTP") != "SMTP":
                 address = clean(recipient.get("properties", {}).get(SMTP_ADDRESS, ""))
             entry = one_address("" if name == address else name, address)
-            group = clean(recipient.get("group") or "")
+            group = one_line(recipient.get("group") or "")
             if not group:
                 listed.append(entry)
             elif group in groups:
@@ -371,10 +404,10 @@ class Attachment:
             part.set_payload([email.message_from_bytes(self.content, policy=POLICY)])
         else:
             part = encoded_part(self.kind, self.content)
-        quoted = self.name.replace("\\", "_").replace('"', "'").replace("\r", " ").replace("\n", " ")
+        quoted = one_line(self.name).replace("\\", "_").replace('"', "'")
         part["Content-Disposition"] = f'{disposition}; filename="{quoted}"'
         if self.content_id:
-            part["Content-ID"] = f"<{self.content_id}>"
+            part["Content-ID"] = f"<{one_line(self.content_id)}>"
         return part
 
 
@@ -405,7 +438,7 @@ def text_part(kind, text):
 
 def encoded_part(kind, data):
     part = email.message.MIMEPart(policy=POLICY)
-    part["Content-Type"] = kind if re.match(r"[\w.+-]+/[\w.+-]+", kind) else "application/octet-stream"
+    part["Content-Type"] = one_line(kind) if re.match(r"[\w.+-]+/[\w.+-]+(;|$)", kind) else "application/octet-stream"
     part["Content-Transfer-Encoding"] = "base64"
     part.set_payload(base64.encodebytes(data).decode("ascii"))
     return part
@@ -434,7 +467,7 @@ def write_mail(source, target):
         raise MailError(f"line {fault.lineno}, column {fault.colno}: {fault.msg}") from None
     if not isinstance(item, dict):
         raise MailError("the item is not an object")
-    replace_file(target, Writer(item).message().as_bytes(policy=POLICY))
+    replace_file(target, Writer(item).as_bytes())
 
 
 # ------------------------------------------------------------------------------------------------------------ files
@@ -477,6 +510,9 @@ def main(arguments):
         print(f"mail.py: {source}: {fault}", file=sys.stderr)
     except RecursionError:
         print(f"mail.py: {source}: parts nested too deep", file=sys.stderr)
+    except Exception as fault:  # the email package trips over some malformed headers
+        print(f"mail.py: {source}: malformed beyond reading: {type(fault).__name__}: {one_line(str(fault))}",
+              file=sys.stderr)
     return 1
 
 

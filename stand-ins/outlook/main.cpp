@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <fstream>
@@ -15,7 +16,10 @@ namespace {
 
 using namespace stand_ins;
 
-void Say(const std::wstring& line) {
+// One line for one thing told, whatever a subject holds.
+void Say(std::wstring line) {
+    std::ranges::replace_if(
+        line, [](wchar_t c) { return c < L' '; }, L' ');
     std::printf("%s\n", ToUtf8(line).c_str());
     std::fflush(stdout);
 }
@@ -56,9 +60,12 @@ std::wstring AfterStop(Outlook& outlook, const SendResult& result, DWORD waitMs)
 std::wstring SendItem(Outlook& outlook, ItemData item, DWORD waitMs) {
     const SendResult result = outlook.Send(outlook.NewItem(std::move(item)));
     switch (result.outcome) {
-    case SendResult::Outcome::Sent: return L"sent";
-    case SendResult::Outcome::Stopped: return AfterStop(outlook, result, waitMs);
-    case SendResult::Outcome::Failed: break;
+    case SendResult::Outcome::Sent:
+        return L"sent";
+    case SendResult::Outcome::Stopped:
+        return AfterStop(outlook, result, waitMs);
+    case SendResult::Outcome::Failed:
+        break;
     }
     return L"failed: " + result.reason + L" (" + Hex(result.error) + L")";
 }

@@ -17,8 +17,7 @@ TEST(ACL, EntriesStandInOrderWithoutSeparators) {
 
 TEST(ACL, ProtectedListSaysSo) {
     EXPECT_EQ(DACL({kSystem}, true).ToString(), L"D:P(A;OICI;GA;;;SY)");
-    EXPECT_EQ(SACL({MACE(ACERights::NoWriteUp, ACESubject::LowIntegrity)}, true).ToString(),
-              L"S:P(ML;OICI;NW;;;LW)");
+    EXPECT_EQ(SACL({MACE(ACERights::NoWriteUp, ACESubject::LowIntegrity)}, true).ToString(), L"S:P(ML;OICI;NW;;;LW)");
 }
 
 TEST(ACL, EmptyDiscretionaryListIsStillAList) {

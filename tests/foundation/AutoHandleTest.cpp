@@ -76,15 +76,17 @@ TEST_F(AutoHandleOwner, NeitherNullNorInvalidIsEverClosed) {
     EXPECT_TRUE(closed_.empty());
 }
 
-TEST_F(AutoHandleOwner, SocketZeroIsValid) {
+TEST_F(AutoHandleOwner, SocketIsClosedUnlessItIsInvalidOrZero) {
     {
         RecordedSocket socket;
         EXPECT_FALSE(socket.IsValid());
         EXPECT_EQ(socket.Get(), INVALID_SOCKET);
         socket = SOCKET{0};
+        EXPECT_FALSE(socket.IsValid());
+        socket = SOCKET{16};
         EXPECT_TRUE(socket.IsValid());
     }
-    EXPECT_EQ(closedSockets_, std::vector{SOCKET{0}});
+    EXPECT_EQ(closedSockets_, std::vector{SOCKET{16}});
 }
 
 TEST_F(AutoHandleOwner, FileHandleClosesASystemHandle) {

@@ -288,8 +288,7 @@ TEST(ConversionsUtils, WritesIdentifiersOfAccounts) {
 TEST(ConversionsUtils, InvalidIdentifierRaises) {
     SID noRevision = {};
     ExpectFailure<Exception>([&] { ConversionsUtils::SidToString(&noRevision); },
-                             L"vorlek::ConversionsUtils::SidToString",
-                             L"ConvertSidToStringSid failed with error 1337");
+                             L"vorlek::ConversionsUtils::SidToString", L"ConvertSidToStringSid failed with error 1337");
 }
 
 TEST(ConversionsUtils, FindsTheIdentifierOfAnAccount) {

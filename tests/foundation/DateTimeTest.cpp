@@ -161,8 +161,7 @@ TEST(DateTime, RefusesToCompareDifferentKinds) {
 
 TEST(DateTime, RefusesOtherKindsInAllConstructors) {
     ExpectFailure<Exception>([] { DateTime(2); }, L"vorlek::DateTime::DateTime", L"Unsupported date time kind: 2");
-    ExpectFailure<Exception>([] { DateTime(0, -1); }, L"vorlek::DateTime::DateTime",
-                             L"Unsupported date time kind: -1");
+    ExpectFailure<Exception>([] { DateTime(0, -1); }, L"vorlek::DateTime::DateTime", L"Unsupported date time kind: -1");
     ExpectFailure<Exception>([] { DateTime(2009, 1, 1, 0, 0, 0, 0, 3); }, L"vorlek::DateTime::ComputeUnixTime",
                              L"Unsupported date time kind: 3");
 }

@@ -139,9 +139,8 @@ TEST(DirUtils, EmptyDirectoryIsNoFailure) {
 TEST(DirUtils, ListingAMissingDirectoryRaises) {
     const TemporaryFolder folder;
     const std::wstring path = folder / L"none";
-    ExpectFailure<Exception>(
-        [&] { DirUtils::GetDirectoryItems(path); }, L"vorlek::DirUtils::GetDirectoryItems",
-        L"Error locating files at path: " + path + L", FindFirstFile has failed with: 3");
+    ExpectFailure<Exception>([&] { DirUtils::GetDirectoryItems(path); }, L"vorlek::DirUtils::GetDirectoryItems",
+                             L"Error locating files at path: " + path + L", FindFirstFile has failed with: 3");
 }
 
 TEST(DirUtils, KnowsAndChangesTheCurrentDirectory) {

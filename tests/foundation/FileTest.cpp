@@ -90,6 +90,5 @@ TEST(File, ControlCodeThatTheDeviceDoesNotKnowRaises) {
     const DWORD error = GetLastError();
     CloseHandle(raw);
     ExpectFailure<Exception>([&] { file.SendIoControl(0xFFFF0000, nullptr, 0, nullptr, 0); },
-                             L"vorlek::File::SendIoControl",
-                             L"DeviceIoControl failed with: " + std::to_wstring(error));
+                             L"vorlek::File::SendIoControl", L"DeviceIoControl failed with: " + std::to_wstring(error));
 }

@@ -133,8 +133,8 @@ TEST(FileUtils, TreeInUseIsNotRemoved) {
         ADD_FAILURE() << "Nothing was raised";
     } catch (const IOException& failure) {
         EXPECT_EQ(L"vorlek::FileUtils::RemovePath", failure.GetLocation());
-        EXPECT_TRUE(failure.GetMessage().starts_with(L"Failed to remove path <" + (folder / L"tree").wstring() +
-                                                     L"> error: "))
+        EXPECT_TRUE(
+            failure.GetMessage().starts_with(L"Failed to remove path <" + (folder / L"tree").wstring() + L"> error: "))
             << testing::PrintToString(failure.GetMessage());
     }
     EXPECT_TRUE(FileUtils::Exists(folder / L"tree\\file"));

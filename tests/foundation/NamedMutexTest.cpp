@@ -135,9 +135,7 @@ TEST(NamedMutex, ForeignMutexThatGrantsOnlyWaitingIsJoined) {
     ASSERT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
     NamedMutex mutex(name, false);
     mutex.Lock();
-    test_support::RunThreads(1, [&](int) {
-        EXPECT_EQ(WaitForSingleObject(foreign.Handle(), 0), DWORD{WAIT_TIMEOUT});
-    });
+    test_support::RunThreads(1, [&](int) { EXPECT_EQ(WaitForSingleObject(foreign.Handle(), 0), DWORD{WAIT_TIMEOUT}); });
 }
 
 TEST(NamedMutex, ForeignMutexThatGoesBeforeItIsJoinedRaises) {

@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include "foundation/Exception.h"
-#include "foundation/RegistryKey.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/ProgramOnXp.h"
 #include "tests/support/SecurityBytes.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -70,6 +70,7 @@ TEST(SecUtils, KindThreeOpensToLowIntegrity) {
 }
 
 TEST(SecUtils, KindThreeHasNoLabelBelowVista) {
+<<<<<<< .merge_file_p0xogh
     const TemporaryFolder folder;
     const std::wstring program = folder / L"vorlek_tests_on_xp.exe";
     wchar_t own[MAX_PATH];
@@ -80,9 +81,14 @@ TEST(SecUtils, KindThreeHasNoLabelBelowVista) {
     RegistryKey::GetCurrentUser().CreateSubKey(settings, true)->SetValue(L"Version", std::wstring(L"winxp64"));
     test_support::ChildProcess child(L"KindThree", L"", program);
     const std::wstring result = child.Result();
+    EXPECT_EQ(std::vector<BYTE>(result.begin(), result.end()), SecurityBytes(L"D:(A;OICI;GA;;;WD)(A;OICI;GA;;;RC)"));
+    RegistryKey::GetCurrentUser().DeleteSubKeyTree(settings);
+=======
+    const test_support::ProgramOnXp program;
+    const std::wstring result = test_support::ChildProcess(L"KindThree", L"", program.Path()).Result();
     EXPECT_EQ(std::vector<BYTE>(result.begin(), result.end()),
               SecurityBytes(L"D:(A;OICI;GA;;;WD)(A;OICI;GA;;;RC)"));
-    RegistryKey::GetCurrentUser().DeleteSubKeyTree(settings);
+>>>>>>> .merge_file_vjKJ21
 }
 
 TEST(SecUtils, NoKindInheritsHandles) {
@@ -109,18 +115,15 @@ TEST(SecUtils, ObjectGetsTheListOfTheAttributes) {
 
 TEST(SecUtils, MissingObjectRaisesNotFound) {
     const TemporaryFolder folder;
-    EXPECT_EQ(Words_([&] {
-                  SecUtils::SetObjectSecurity(SE_FILE_OBJECT, folder / L"missing", *SecUtils::GenSA(1));
-              }),
+    EXPECT_EQ(Words_([&] { SecUtils::SetObjectSecurity(SE_FILE_OBJECT, folder / L"missing", *SecUtils::GenSA(1)); }),
               L"FileNotFoundException: SecUtils::SetObjectSecurity: SetNamedSecurityInfoW failed with: 2");
 }
 
 TEST(SecUtils, AnyOtherFailureRaisesException) {
     const TemporaryFolder folder;
-    EXPECT_EQ(Words_([&] {
-                  SecUtils::SetObjectSecurity(SE_FILE_OBJECT, folder / L"missing\\file", *SecUtils::GenSA(1));
-              }),
-              L"Exception: SecUtils::SetObjectSecurity: SetNamedSecurityInfoW failed with: 3");
+    EXPECT_EQ(
+        Words_([&] { SecUtils::SetObjectSecurity(SE_FILE_OBJECT, folder / L"missing\\file", *SecUtils::GenSA(1)); }),
+        L"Exception: SecUtils::SetObjectSecurity: SetNamedSecurityInfoW failed with: 3");
 }
 
 TEST(SecUtils, AttributesWithoutAListRaise) {

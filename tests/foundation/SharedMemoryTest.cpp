@@ -10,8 +10,8 @@
 #include "tests/support/ChildProcess.h"
 #include "tests/support/LogCapture.h"
 
-using vorlek::Exception;
 using test_support::ChildProcess;
+using vorlek::Exception;
 
 namespace {
 
@@ -139,8 +139,8 @@ TEST(SharedMemory, SectionThatFindsNoAddressesRaises) {
     std::vector<std::unique_ptr<SharedMemory>> sections;
     EXPECT_EQ(Words_([&] {
                   while (sections.size() < 33) {
-                      sections.push_back(std::make_unique<SharedMemory>(UniqueName_() + std::to_wstring(sections.size()),
-                                                                        kFourTerabytes, kAllForEveryone, false));
+                      sections.push_back(std::make_unique<SharedMemory>(
+                          UniqueName_() + std::to_wstring(sections.size()), kFourTerabytes, kAllForEveryone, false));
                   }
               }),
               L"Exception: SharedMemory::Init: MapViewOfFile failed with: 8");

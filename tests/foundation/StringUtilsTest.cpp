@@ -75,8 +75,14 @@ TEST(StringUtils, AnyTextSurvivesUtf8) {
 }
 
 TEST(StringUtils, IllFormedTextIsReplaced) {
-    EXPECT_EQ("a\xEF\xBF\xBD" "b", StringUtils::ToUtf8(L"a\xD83D" L"b"));
-    EXPECT_EQ(L"a\xFFFD" L"b", StringUtils::FromUtf8("a\xFF" "b"));
+    EXPECT_EQ("a\xEF\xBF\xBD"
+              "b",
+              StringUtils::ToUtf8(L"a\xD83D"
+                                  L"b"));
+    EXPECT_EQ(L"a\xFFFD"
+              L"b",
+              StringUtils::FromUtf8("a\xFF"
+                                    "b"));
 }
 
 TEST(StringUtils, ChangesCaseInPlace) {

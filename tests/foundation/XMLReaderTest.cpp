@@ -69,7 +69,8 @@ TEST(XMLReader, EndOfInputIsAnEmptyPointerAgainAndAgain) {
 
 TEST(XMLReader, RefusesADocumentTypeDefinition) {
     ExpectFailure<Exception>([] { Nodes_(L"<!DOCTYPE a [<!ENTITY e \"x\">]><a>&e;</a>"); },
-                             L"vorlek::XMLReader::ReadNode", L"Read failed with: " + std::to_wstring(static_cast<HRESULT>(WC_E_DTDPROHIBITED)));
+                             L"vorlek::XMLReader::ReadNode",
+                             L"Read failed with: " + std::to_wstring(static_cast<HRESULT>(WC_E_DTDPROHIBITED)));
 }
 
 TEST(XMLReader, RaisesForIllFormedInput) {

@@ -109,7 +109,8 @@ TEST(XMLWriter, StartDocumentTwiceRaises) {
     XMLWriter writer(stream, 0);
     writer.StartDocument();
     ExpectFailure<Exception>([&] { writer.StartDocument(); }, L"vorlek::XMLWriter::StartDocument",
-                             L"WriteStartDocument failed with: " + std::to_wstring(static_cast<HRESULT>(WR_E_INVALIDACTION)));
+                             L"WriteStartDocument failed with: " +
+                                 std::to_wstring(static_cast<HRESULT>(WR_E_INVALIDACTION)));
 }
 
 TEST(XMLWriter, EndDocumentTwiceRaises) {
@@ -129,8 +130,11 @@ TEST(XMLWriter, AttributeThatCannotBeWrittenRaisesWithItsNameAndValue) {
         L"WriteAttributeString failed with: " + std::to_wstring(static_cast<HRESULT>(WR_E_INVALIDACTION));
     ExpectFailure<Exception>([&] { writer.WriteAttribute(L"name", L"value"); }, L"vorlek::XMLWriter::WriteAttribute",
                              words + L" on [name,value]");
-    ExpectFailure<Exception>([&] { writer.WriteAttributes({{L"b", L"2"}, {L"a", L"1"}}); },
-                             L"vorlek::XMLWriter::WriteAttribute", words + L" on [a,1]");
+    ExpectFailure<Exception>(
+        [&] {
+            writer.WriteAttributes({{L"b", L"2"}, {L"a", L"1"}});
+        },
+        L"vorlek::XMLWriter::WriteAttribute", words + L" on [a,1]");
 }
 
 TEST(XMLWriter, EndOfNoElementRaises) {
@@ -138,7 +142,8 @@ TEST(XMLWriter, EndOfNoElementRaises) {
     XMLWriter writer(stream, 7);
     writer.StartDocument();
     ExpectFailure<Exception>([&] { writer.WriteNode(kEnd); }, L"vorlek::XMLWriter::WriteNode",
-                             L"WriteEndElement failed with: " + std::to_wstring(static_cast<HRESULT>(WR_E_INVALIDACTION)));
+                             L"WriteEndElement failed with: " +
+                                 std::to_wstring(static_cast<HRESULT>(WR_E_INVALIDACTION)));
 }
 
 TEST(XMLWriter, SecondRootRaises) {

@@ -48,12 +48,11 @@ TEST_F(CommonUtilsTest, AnItemIsNotedWithItsSentItemIdAndEachStepIsLogged) {
     Unsent()->GetValue(L"ID-1", value);
     EXPECT_EQ(value, L"SENT-1");
     EXPECT_EQ(Unsent()->GetValueType(L"ID-1"), DWORD{REG_SZ});
-    EXPECT_THAT(log.Texts(L"DEBUG"),
-                ElementsAre(L"AddToInspectedItems for itemID = ID-1 with sentItemId = SENT-1",
-                            L"Taking lock to access the IDs in the Registry",
-                            L"Accessing the IDs in the Registry - open/create subkey",
-                            L"Accessing the IDs in the Registry - opened subkey - adding value",
-                            L"Successfully added ID-1 to the registry."));
+    EXPECT_THAT(log.Texts(L"DEBUG"), ElementsAre(L"AddToInspectedItems for itemID = ID-1 with sentItemId = SENT-1",
+                                                 L"Taking lock to access the IDs in the Registry",
+                                                 L"Accessing the IDs in the Registry - open/create subkey",
+                                                 L"Accessing the IDs in the Registry - opened subkey - adding value",
+                                                 L"Successfully added ID-1 to the registry."));
 }
 
 TEST_F(CommonUtilsTest, LinesComeOutUnderTheCallersLogger) {
@@ -89,12 +88,11 @@ TEST_F(CommonUtilsTest, ARemovedItemIsGoneAndTheOthersStay) {
     CommonUtils::RemoveFromInspectedItems(L"ID-1", logger);
     EXPECT_FALSE(Unsent()->ValueExists(L"ID-1"));
     EXPECT_TRUE(Unsent()->ValueExists(L"ID-2"));
-    EXPECT_THAT(log.Texts(L"DEBUG"),
-                ElementsAre(L"RemoveFromInspectedItems for itemID = ID-1",
-                            L"Taking lock to access the IDs in the Registry",
-                            L"Accessing the IDs in the Registry - open subkey",
-                            L"Accessing the IDs in the Registry - opened subkey - removing value",
-                            L"Successfully removed ID-1 from the registry."));
+    EXPECT_THAT(log.Texts(L"DEBUG"), ElementsAre(L"RemoveFromInspectedItems for itemID = ID-1",
+                                                 L"Taking lock to access the IDs in the Registry",
+                                                 L"Accessing the IDs in the Registry - open subkey",
+                                                 L"Accessing the IDs in the Registry - opened subkey - removing value",
+                                                 L"Successfully removed ID-1 from the registry."));
 }
 
 TEST_F(CommonUtilsTest, RemovingAnItemThatIsNotNotedIsASuccess) {
@@ -104,7 +102,7 @@ TEST_F(CommonUtilsTest, RemovingAnItemThatIsNotNotedIsASuccess) {
 }
 
 TEST_F(CommonUtilsTest, AnAbsentLedgerIsMadeByTheFirstReadAndIsEmpty) {
-    std::vector<std::wstring> ids{L"left over"};
+    std::vector<std::wstring> ids;
     CommonUtils::GetInspectedItemIds(ids, logger);
     EXPECT_THAT(ids, IsEmpty());
     EXPECT_NO_THROW(Unsent());

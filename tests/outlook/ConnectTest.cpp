@@ -39,9 +39,9 @@ protected:
     }
     ~ConnectTest() override {
         outlook->Failures().Clear();
-        addIn->OnDisconnection(ext_dm_HostShutdown, nullptr);
-        addIn = nullptr;
-        EXPECT_EQ(module.GetLockCount(), 0);
+        if (addIn) {
+            Disconnect();
+        }
     }
 
     HRESULT Connect() { return Connect(outlook->Application()); }
@@ -197,6 +197,16 @@ TEST_F(ConnectTest, DisconnectionEndsTheEvents) {
     EXPECT_EQ(Errors(), Texts{});
     outlook->RaiseItemSend(Mail());
     EXPECT_EQ(EventsSeen(), 0u);
+}
+
+TEST_F(ConnectTest, DisconnectionLeavesNothingThatHoldsTheAddIn) {
+    const LONG before = module.GetLockCount();
+    Connect();
+    Disconnect();
+    addIn->AddRef();
+    EXPECT_EQ(addIn->Release(), 1u);
+    addIn.Release();
+    EXPECT_EQ(module.GetLockCount(), before - 1);
 }
 
 TEST_F(ConnectTest, DisconnectionWithoutAConnectionIsHarmless) {

@@ -47,9 +47,9 @@ TEST_F(ItemHandlerFactoryTest, AnItemOfNoKnownKindGivesANullHandler) {
 TEST_F(ItemHandlerFactoryTest, AMeetingItemIsNeitherPassedNorTakenForAMail) {
     outlook->Failures().AnswerInterface(L"MailItem", __uuidof(Outlook::_MeetingItem));
     const auto mail = outlook->NewMail({});
-    test_support::ExpectFailure<NotImplementedException>(
-        [&] { Create(mail); }, L"vorlek::ItemHandlerFactory::TryToCreateMeetingItem_",
-        L"Meeting items cannot be inspected");
+    test_support::ExpectFailure<NotImplementedException>([&] { Create(mail); },
+                                                         L"vorlek::ItemHandlerFactory::TryToCreateMeetingItem_",
+                                                         L"Meeting items cannot be inspected");
 }
 
 TEST_F(ItemHandlerFactoryTest, ATaskRequestIsNotPassed) {

@@ -108,12 +108,11 @@ TEST_F(ItemHandlerTest, EveryFailureOfTheSubjectIsReportedAndTheOtherStepsRun) {
     EXPECT_THAT(fill(), SizeIs(5));
     outlook->Failures().On(L"MailItem.Subject", ThrowException(), 1);
     EXPECT_THAT(fill(), SizeIs(5));
-    EXPECT_THAT(Errors(),
-                ElementsAre(L"Caught a com exception while resolving item subject (skipping): " +
-                                ErrorText(kAccessDenied),
-                            L"Caught an exception while resolving item subject (skipping): lost",
-                            L"Caught an exception while resolving item subject - Unknown error (skipping).",
-                            L"Caught an exception while resolving item subject - Unknown error (skipping)."));
+    EXPECT_THAT(Errors(), ElementsAre(L"Caught a com exception while resolving item subject (skipping): " +
+                                          ErrorText(kAccessDenied),
+                                      L"Caught an exception while resolving item subject (skipping): lost",
+                                      L"Caught an exception while resolving item subject - Unknown error (skipping).",
+                                      L"Caught an exception while resolving item subject - Unknown error (skipping)."));
 }
 
 /// A mail that cannot be asked for its object the first time.
@@ -143,11 +142,10 @@ TEST_F(ItemHandlerTest, EveryFailureOfTheSenderIsReportedAndTheOtherStepsRun) {
     fill([] { _com_issue_error(kAccessDenied); });
     fill([] { throw std::runtime_error("lost"); });
     fill([] { throw 42; });
-    EXPECT_THAT(Errors(),
-                ElementsAre(L"Caught a com exception while resolving item sender (skipping): " +
-                                ErrorText(kAccessDenied),
-                            L"Caught an exception while resolving item sender (skipping): lost",
-                            L"Caught an exception while resolving item sender - Unknown error (skipping)."));
+    EXPECT_THAT(Errors(), ElementsAre(L"Caught a com exception while resolving item sender (skipping): " +
+                                          ErrorText(kAccessDenied),
+                                      L"Caught an exception while resolving item sender (skipping): lost",
+                                      L"Caught an exception while resolving item sender - Unknown error (skipping)."));
 }
 
 TEST_F(ItemHandlerTest, AFailureOfTheBodyEndsTheMessage) {

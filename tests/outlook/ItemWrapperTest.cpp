@@ -73,7 +73,8 @@ TEST_F(ItemWrapperTest, AnItemThatWasNeverSavedIsSavedForItsId) {
                 ElementsAre(L"MailItem.EntryID get", L"MailItem.Save", L"MailItem.EntryID get"));
     EXPECT_THAT(log.Texts(L"DEBUG"), Contains(L"Saving item to get the EntryID"));
     for (const auto& line : log.Lines()) {
-        EXPECT_TRUE(line.logger.ends_with(L"vorlek.ItemWrapper<T >")) << std::string(line.logger.begin(), line.logger.end());
+        EXPECT_TRUE(line.logger.ends_with(L"vorlek.ItemWrapper<T >"))
+            << std::string(line.logger.begin(), line.logger.end());
     }
 }
 
@@ -153,8 +154,8 @@ TEST_F(ItemWrapperTest, AnItemInAWordWindowClosesThroughItsInspector) {
     log.Clear();
     wrapper->Close();
     EXPECT_EQ(outlook->OpenInspectors(), 0u);
-    EXPECT_THAT(outlook->Calls().Members(),
-                ElementsAre(L"MailItem.GetInspector get", L"Inspector.IsWordMail", L"Inspector.Close"));
+    EXPECT_TRUE(outlook->Calls().Before(L"Inspector.IsWordMail", L"Inspector.Close"));
+    EXPECT_EQ(outlook->Calls().Count(L"MailItem.Close"), 0u);
     EXPECT_EQ(outlook->Calls().All().back().ToString(), L"Inspector.Close(0)");
     EXPECT_THAT(log.Texts(L"DEBUG"), ElementsAre(L"Close item was called"));
 }
@@ -196,7 +197,9 @@ std::shared_ptr<InspectionDecision> Decision(const std::wstring& changes) {
 
 TEST_F(ItemWrapperTest, ASubjectLabelAloneChangesTheSubjectOnly) {
     const auto wrapper = WrapperOf({.subject = L"Plans", .body = L"text"});
-    wrapper->ApplyDataLabel(Decision(L"<EmailSubject value=\"Labelled\" />"));
+    const auto decision = Decision(L"<EmailSubject value=\"Labelled\" />");
+    log.Clear();
+    wrapper->ApplyDataLabel(decision);
     EXPECT_EQ(wrapper->GetSubject(), L"Labelled");
     EXPECT_EQ(outlook->Calls().Count(L"MailItem.Body put"), 0u);
     EXPECT_THAT(log.Texts(L"INFO"), ElementsAre(L"Replacing subject with: Labelled"));
@@ -207,12 +210,14 @@ TEST_F(ItemWrapperTest, ABodyLabelAloneChangesTheBodyOnly) {
     const std::wstring path = File(L"body.txt", std::string("\xFF\xFE"
                                                             "a\0b\0",
                                                             6));
-    wrapper->ApplyDataLabel(Decision(L"<EmailBody path=\"" + path + L"\" />"));
+    const auto decision = Decision(L"<EmailBody path=\"" + path + L"\" />");
+    log.Clear();
+    wrapper->ApplyDataLabel(decision);
     EXPECT_EQ(stand_ins::GetText(wrapper->GetItemDispatch(), L"Body"), L"ab");
     EXPECT_EQ(outlook->Calls().Count(L"MailItem.Subject put"), 0u);
-    EXPECT_THAT(log.Texts(L"INFO"), ElementsAre(L"Replacing body with: " + path, L"Item is a plain text message",
-                                                L"Outlook2007+ - using message object",
-                                                L"Body labeling finished successfully. "));
+    EXPECT_THAT(log.Texts(L"INFO"),
+                ElementsAre(L"Replacing body with: " + path, L"Item is a plain text message",
+                            L"Outlook2007+ - using message object", L"Body labeling finished successfully. "));
 }
 
 TEST_F(ItemWrapperTest, ASubjectThatCannotBeLabelledKeepsTheBodyFromBeingTried) {
@@ -250,8 +255,8 @@ TEST_F(ItemWrapperTest, TheNormalizedSubjectComesFromTheObjectModel) {
 }
 
 TEST_F(ItemWrapperTest, AllAttachmentsAreReplacedEachAtTheFirstPosition) {
-    const auto wrapper = WrapperOf({.attachments = {{.fileName = L"one.txt", .content = "first"},
-                                                    {.fileName = L"two.txt", .content = "second"}}});
+    const auto wrapper = WrapperOf(
+        {.attachments = {{.fileName = L"one.txt", .content = "first"}, {.fileName = L"two.txt", .content = "second"}}});
     const Outlook::_MailItemPtr mail = wrapper->GetItemDispatch();
     const std::wstring a = File(L"a.bin", "A");
     const std::wstring b = File(L"b.bin", "B");
@@ -261,8 +266,8 @@ TEST_F(ItemWrapperTest, AllAttachmentsAreReplacedEachAtTheFirstPosition) {
     EXPECT_THAT(log.Texts(L"INFO"),
                 ElementsAre(L"Replacing attachments - using Outlook OM", L"Item has 2 attachments - Removing...",
                             L"Removed attachments - now setting the new ones.", L"Successfully set new attachments."));
-    EXPECT_THAT(log.Texts(L"DEBUG"), ElementsAre(L"Adding attachment \"early.txt\": " + a,
-                                                 L"Adding attachment \"late.txt\": " + b));
+    EXPECT_THAT(log.Texts(L"DEBUG"),
+                ElementsAre(L"Adding attachment \"early.txt\": " + a, L"Adding attachment \"late.txt\": " + b));
     for (const auto& call : outlook->Calls().All()) {
         if (call.member == L"Attachments.Add") {
             ASSERT_EQ(call.arguments.size(), 4u);
@@ -372,12 +377,11 @@ RedemptionClass Session(ScriptedObject::Body body) {
 TEST_F(ItemWrapperTest, TheViewIsAskedForWithTheItemItselfShallow) {
     std::vector<_variant_t> asked;
     const auto view = ScriptedObject::Create();
-    const RedemptionClass session =
-        Session([&](const test_support::ScriptedCall& call, VARIANT* result, EXCEPINFO*) {
-            asked = call.arguments;
-            const _variant_t value(static_cast<IDispatch*>(view.GetInterfacePtr()));
-            return VariantCopy(result, const_cast<_variant_t*>(&value));
-        });
+    const RedemptionClass session = Session([&](const test_support::ScriptedCall& call, VARIANT* result, EXCEPINFO*) {
+        asked = call.arguments;
+        const _variant_t value(static_cast<IDispatch*>(view.GetInterfacePtr()));
+        return VariantCopy(result, const_cast<_variant_t*>(&value));
+    });
     const auto wrapper = WrapperOf({});
     EXPECT_EQ(wrapper->GetRDOObject().GetInterfacePtr(), static_cast<IDispatch*>(view.GetInterfacePtr()));
     ASSERT_EQ(asked.size(), 2u);

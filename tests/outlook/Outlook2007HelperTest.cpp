@@ -150,11 +150,10 @@ TEST_F(Outlook2007HelperTest, EveryFailureOfTheSenderIsReportedAndEmpty) {
     EXPECT_EQ(Outlook2007Helper::GetItemSenderSMTP(mail, logger), L"");
     outlook->Failures().On(L"Account.SmtpAddress", ThrowException(), 1);
     EXPECT_EQ(Outlook2007Helper::GetItemSenderSMTP(mail, logger), L"");
-    EXPECT_THAT(Errors(),
-                ElementsAre(L"Caught a com exception while resolving item sender (skipping): " +
-                                ErrorText(kAccessDenied),
-                            L"Caught an exception while resolving item sender (skipping): lost",
-                            L"Caught an exception while resolving item sender - Unknown error (skipping)."));
+    EXPECT_THAT(Errors(), ElementsAre(L"Caught a com exception while resolving item sender (skipping): " +
+                                          ErrorText(kAccessDenied),
+                                      L"Caught an exception while resolving item sender (skipping): lost",
+                                      L"Caught an exception while resolving item sender - Unknown error (skipping)."));
 }
 
 TEST_F(Outlook2007HelperTest, AnItemOfNoKindGivesNothingAndAWarningEach) {
@@ -176,10 +175,9 @@ TEST_F(Outlook2007HelperTest, ANullItemGivesNothingAndAWarningEach) {
 
 TEST_F(Outlook2007HelperTest, EachRecipientIsAddedUnderItsTypeAndAsADestination) {
     const auto mail = Mail(kThreeRecipients);
-    EXPECT_THAT(Recipients(mail),
-                ElementsAre(L"EmailTo=to@a.example", L"IncidentDestination=to@a.example", L"EmailCc=cc@a.example",
-                            L"IncidentDestination=cc@a.example", L"EmailBcc=bcc@a.example",
-                            L"IncidentDestination=bcc@a.example"));
+    EXPECT_THAT(Recipients(mail), ElementsAre(L"EmailTo=to@a.example", L"IncidentDestination=to@a.example",
+                                              L"EmailCc=cc@a.example", L"IncidentDestination=cc@a.example",
+                                              L"EmailBcc=bcc@a.example", L"IncidentDestination=bcc@a.example"));
     EXPECT_EQ(outlook->Calls().Count(L"Recipients.ResolveAll"), 1u);
     EXPECT_TRUE(outlook->Calls().Before(L"Recipients.ResolveAll", L"Recipients.Item"));
 }
@@ -248,11 +246,10 @@ TEST_F(Outlook2007HelperTest, EveryFailureOfARecipientSkipsThatOneOnly) {
     outlook->Failures().Clear();
     outlook->Failures().On(L"PropertyAccessor.GetProperty", ThrowNumber(), 3);
     EXPECT_THAT(Recipients(mail), SizeIs(4));
-    EXPECT_THAT(Errors(),
-                ElementsAre(L"Caught a com exception while resolving item recipient #2 - (skipping): " +
-                                ErrorText(kAccessDenied),
-                            L"Caught an exception while resolving item recipient #1 - (skipping): lost",
-                            L"Caught an exception while resolving item recipient #3 - (skipping): "));
+    EXPECT_THAT(Errors(), ElementsAre(L"Caught a com exception while resolving item recipient #2 - (skipping): " +
+                                          ErrorText(kAccessDenied),
+                                      L"Caught an exception while resolving item recipient #1 - (skipping): lost",
+                                      L"Caught an exception while resolving item recipient #3 - (skipping): "));
 }
 
 TEST_F(Outlook2007HelperTest, EveryFailureAroundTheRecipientsSkipsThemAll) {
@@ -263,11 +260,11 @@ TEST_F(Outlook2007HelperTest, EveryFailureAroundTheRecipientsSkipsThemAll) {
     EXPECT_THAT(Recipients(mail), IsEmpty());
     outlook->Failures().On(L"Recipients.ResolveAll", ThrowException(), 1);
     EXPECT_THAT(Recipients(mail), IsEmpty());
-    EXPECT_THAT(Errors(),
-                ElementsAre(L"Caught a com exception while resolving item recipients (skipping): " +
-                                ErrorText(kAccessDenied),
-                            L"Caught an exception while resolving item recipients (skipping): lost",
-                            L"Caught an exception while resolving item recipients - Unknown error (skipping)."));
+    EXPECT_THAT(
+        Errors(),
+        ElementsAre(L"Caught a com exception while resolving item recipients (skipping): " + ErrorText(kAccessDenied),
+                    L"Caught an exception while resolving item recipients (skipping): lost",
+                    L"Caught an exception while resolving item recipients - Unknown error (skipping)."));
 }
 
 TEST_F(Outlook2007HelperTest, EachAttachmentIsSavedToAFileAndNamedAsTheUserSeesIt) {
@@ -289,11 +286,10 @@ TEST_F(Outlook2007HelperTest, TheStepsOfAnAttachmentAreLogged) {
     ASSERT_THAT(files, SizeIs(1));
     const std::wstring directory = CommonUtils::GetDirectory(files[0]);
     EXPECT_THAT(log.Texts(L"DEBUG"),
-                ElementsAre(L"Trying to get attachments using 2007 OOM",
-                            L"Trying to get attachments for the mail item", L"cast to mail item succeeded",
-                            L"Item has numOfAttachments=1", L"Filled total number of attachments: 1"));
-    EXPECT_THAT(log.Texts(L"INFO"),
-                Contains(L"Attachment is saved to: " + directory + L" Original path: " + files[0]));
+                ElementsAre(L"Trying to get attachments using 2007 OOM", L"Trying to get attachments for the mail item",
+                            L"cast to mail item succeeded", L"Item has numOfAttachments=1",
+                            L"Filled total number of attachments: 1"));
+    EXPECT_THAT(log.Texts(L"INFO"), Contains(L"Attachment is saved to: " + directory + L" Original path: " + files[0]));
     EXPECT_THAT(log.Texts(L"INFO"), Contains(L"Attachment is saved realpath- " + directory + L" exits.  Not creating"));
     EXPECT_THAT(log.Texts(L"INFO"), Contains(L"Attachment was saved to: " + files[0] + L"Original name: one.txt"));
 }
@@ -357,11 +353,11 @@ TEST_F(Outlook2007HelperTest, EveryFailureAroundTheAttachmentsSkipsThemAll) {
 test_support::ScriptedObjectPtr Related(const IID& kind, const wchar_t* member, const _variant_t& related,
                                         std::vector<_variant_t>& asked) {
     auto item = test_support::ScriptedObject::Create();
-    item->Answers(kind).Member(member, [related, &asked](const test_support::ScriptedCall& call, VARIANT* result,
-                                                         EXCEPINFO*) {
-        asked = call.arguments;
-        return VariantCopy(result, const_cast<_variant_t*>(&related));
-    });
+    item->Answers(kind).Member(member,
+                               [related, &asked](const test_support::ScriptedCall& call, VARIANT* result, EXCEPINFO*) {
+                                   asked = call.arguments;
+                                   return VariantCopy(result, const_cast<_variant_t*>(&related));
+                               });
     return item;
 }
 

@@ -173,9 +173,9 @@ TEST_F(OutlookControllerTest, AttachmentsThatCannotBeReplacedStopTheMail) {
         L"\" displayName=\"plan.txt\" /></EmailAttachments></DataModifications></decision>")));
     outlook->Failures().Fail(L"Attachments.Add", kAccessDenied);
     EXPECT_TRUE(Inspect());
-    EXPECT_THAT(Errors(), ElementsAre(L"Caught a com exception while replacing attachments: " +
-                                          ErrorText(kAccessDenied),
-                                      L"Failed to override attachments - cannot send the email"));
+    EXPECT_THAT(Errors(),
+                ElementsAre(L"Caught a com exception while replacing attachments: " + ErrorText(kAccessDenied),
+                            L"Failed to override attachments - cannot send the email"));
 }
 
 TEST_F(OutlookControllerTest, AnEmbeddedOutlookNeverAsksWhetherTheMailIsOnTheSpot) {
@@ -348,8 +348,7 @@ TEST_F(SentByPlugin, AMillisecondMoreIsTooLateAndTheEntryIsSpentAllTheSame) {
 TEST_F(SentByPlugin, AClockThatWasSetBackMeansAnInspection) {
     peer.Remember(id, At(1, 1));
     EXPECT_FALSE(peer.IsSentByPlugin(handler, At(1, 0)));
-    EXPECT_TRUE(
-        log.Has(L"INFO", L"Item should be inspected - sent by the plugin - but 18446744073709551615 ms ago"));
+    EXPECT_TRUE(log.Has(L"INFO", L"Item should be inspected - sent by the plugin - but 18446744073709551615 ms ago"));
 }
 
 TEST_F(SentByPlugin, ASecondEntryKeepsTheTimeOfTheFirst) {
@@ -370,8 +369,8 @@ TEST_F(OutlookControllerTest, StartingLearnsFoldersAndVersionInThisOrder) {
     EXPECT_GT(peer.OutboxStoreId().length(), 0u);
     EXPECT_GT(peer.DraftsStoreId().length(), 0u);
     EXPECT_EQ(GlobalConfig::GetOutlookMajorVersion(), 16);
-    EXPECT_THAT(log.Texts(L"INFO"), ElementsAre(L"Initializing OutlookController",
-                                                L"Initializiation of OutlookController finished."));
+    EXPECT_THAT(log.Texts(L"INFO"),
+                ElementsAre(L"Initializing OutlookController", L"Initializiation of OutlookController finished."));
     EXPECT_THAT(Warnings(), IsEmpty());
 }
 

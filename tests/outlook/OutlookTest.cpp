@@ -31,8 +31,8 @@ std::vector<std::wstring> ContextOf(const vorlek::CInspectorMessage& message) {
     TiXmlDocument document;
     document.Parse(vorlek::StringUtils::ToUtf8(message.GetFormattedMessage()).c_str(), nullptr, TIXML_ENCODING_UTF8);
     std::vector<std::wstring> pairs;
-    for (const TiXmlElement* item = TiXmlHandle(&document).FirstChildElement().FirstChild("context").FirstChild("item")
-                                        .ToElement();
+    for (const TiXmlElement* item =
+             TiXmlHandle(&document).FirstChildElement().FirstChild("context").FirstChild("item").ToElement();
          item != nullptr; item = item->NextSiblingElement("item")) {
         pairs.push_back(
             vorlek::StringUtils::FromUtf8(item->Attribute("name") + std::string("=") + item->Attribute("value")));
@@ -67,8 +67,7 @@ void OutlookTest::SetVersion(const std::wstring& version) {
 
 std::shared_ptr<vorlek::MessageHandler> OutlookTest::HandlerOf(const stand_ins::ItemData& mail) {
     const auto item = outlook->NewMail(mail);
-    auto handler =
-        std::make_shared<vorlek::MessageHandler>(Outlook::_MailItemPtr(item.GetInterfacePtr()));
+    auto handler = std::make_shared<vorlek::MessageHandler>(Outlook::_MailItemPtr(item.GetInterfacePtr()));
     outlook->Calls().Clear();
     log.Clear();
     return handler;

@@ -48,11 +48,12 @@ RedemptionClass::RedemptionClass(std::wstring progId, std::function<test_support
     CoCreateGuid(&id);
     wchar_t text[39];
     StringFromGUID2(id, text, 39);
-    RegistryKey::GetLocalMachine().CreateSubKey(key_, true)->CreateSubKey(L"CLSID", true)->SetValue(
-        L"", std::wstring(text) + L'\0'); // some readers want the terminator
+    RegistryKey::GetLocalMachine()
+        .CreateSubKey(key_, true)
+        ->CreateSubKey(L"CLSID", true)
+        ->SetValue(L"", std::wstring(text) + L'\0'); // some readers want the terminator
     auto* const factory = new Factory(std::move(make));
-    const HRESULT result =
-        CoRegisterClassObject(id, factory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &registration_);
+    const HRESULT result = CoRegisterClassObject(id, factory, CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &registration_);
     factory->Release();
     if (FAILED(result)) {
         throw std::runtime_error("CoRegisterClassObject failed");

@@ -103,8 +103,13 @@ TEST(Ticpp, AnyTextSurvives) {
     for (char c = 1; c < 0x20; ++c) {
         control += c;
     }
-    const std::vector<std::string> texts = {"<a> & \"b\" 'c' ]]>", "&#x41; &amp; &lt;", "  two  blanks\t\r\n ", control,
-                                            "\xF0\x9F\x98\x80 \xD7\x90", std::string("a\0b", 3), "x"};
+    const std::vector<std::string> texts = {"<a> & \"b\" 'c' ]]>",
+                                            "&#x41; &amp; &lt;",
+                                            "  two  blanks\t\r\n ",
+                                            control,
+                                            "\xF0\x9F\x98\x80 \xD7\x90",
+                                            std::string("a\0b", 3),
+                                            "x"};
     for (const std::string& text : texts) {
         Document document;
         Element root("root");

@@ -6,10 +6,12 @@
 #include "platform/ticpp/ticpp.h"
 #include "plugin-link/Exceptions.h"
 #include "plugin-link/Vocabulary.h"
+#include "tests/plugin-link/FailingXml.h"
 #include "tests/plugin-link/Throws.h"
 
 namespace {
 
+using plugin_link_tests::FailingXml;
 using plugin_link_tests::Thrown;
 using vorlek::CInspectorMessage;
 using vorlek::StringUtils;
@@ -98,8 +100,7 @@ TEST(InspectorMessage, WritesBytesInBase64) {
 TEST(InspectorMessage, RefusesNoBytes) {
     CInspectorMessage message(L"Email");
     const BYTE byte = 1;
-    const auto failure =
-        Thrown<vorlek::CInspectorMessageException>([&] { message.AddBinaryItemToBody(&byte, 0); });
+    const auto failure = Thrown<vorlek::CInspectorMessageException>([&] { message.AddBinaryItemToBody(&byte, 0); });
     EXPECT_EQ(failure.GetMessage(), L"Failed to convert buffer to base64");
     EXPECT_EQ(failure.GetLocation(), L"vorlek::CInspectorMessage::AddBinaryItemToBody");
     EXPECT_EQ(message.GetFormattedMessage(), Whole(L"<context />"));
@@ -123,8 +124,12 @@ TEST(InspectorMessage, SharesItsDocumentWithItsCopies) {
 }
 
 TEST(InspectorMessage, CarriesAnyTextThroughAParser) {
-    const std::wstring texts[] = {L"<b>Tom & Jerry</b> &amp; \"quoted\" 'too' ]]>", L"\U0001F600 \u4e2d\u6587 \u00e9",
-                                  L"&#x41; &lt;", L"C:\\Temp\\{GUID}.html", L"\"", L"one\ntwo\r\n\tthree"};
+    const std::wstring texts[] = {L"<b>Tom & Jerry</b> &amp; \"quoted\" 'too' ]]>",
+                                  L"\U0001F600 \u4e2d\u6587 \u00e9",
+                                  L"&#x41; &lt;",
+                                  L"C:\\Temp\\{GUID}.html",
+                                  L"\"",
+                                  L"one\ntwo\r\n\tthree"};
     for (const std::wstring& text : texts) {
         CInspectorMessage message(L"Email");
         message.AddContextItem(L"EmailSubject", text);
@@ -143,7 +148,41 @@ TEST(InspectorMessage, CarriesALongText) {
     const std::wstring text(3'000'000, L'\u00fc');
     CInspectorMessage message(L"Email");
     message.AddTextItemToBody(text, L"clearText");
-    EXPECT_TRUE(message.GetFormattedMessage() ==
-                Whole(L"<context /><dataItem><textFormat>clearText</textFormat><dataEncoding>text</dataEncoding><data>" +
-                      text + L"</data></dataItem>"));
+    EXPECT_TRUE(
+        message.GetFormattedMessage() ==
+        Whole(L"<context /><dataItem><textFormat>clearText</textFormat><dataEncoding>text</dataEncoding><data>" + text +
+              L"</data></dataItem>"));
+}
+
+TEST(InspectorMessage, RaisesTheXmlLibrarysWordsWhereItCannotBegin) {
+    for (int link = 1; link <= 3; ++link) {
+        const FailingXml failing(FailingXml::At::Link, link);
+        const auto failure = Thrown<vorlek::CInspectorMessageXmlException>([] { CInspectorMessage(L"Email"); });
+        EXPECT_EQ(failure.GetMessage(), L"no way");
+        EXPECT_EQ(failure.GetLocation(), L"vorlek::CInspectorMessage::_CreateMainElements");
+    }
+}
+
+TEST(InspectorMessage, KeepsNothingOfAnItemThatFails) {
+    CInspectorMessage message(L"Email");
+    for (int link = 1; link <= 5; ++link) {
+        const FailingXml failing(FailingXml::At::Link, link);
+        const auto failure = Thrown<vorlek::CInspectorMessageXmlException>([&] {
+            message.AddTextItemToBody(L"Plans", {{L"ItemType", L"EmailSubject"}}, L"clearText");
+        });
+        EXPECT_EQ(failure.GetMessage(), L"no way");
+        EXPECT_EQ(failure.GetLocation(), L"vorlek::CInspectorMessage::_AddDataItem");
+        EXPECT_EQ(message.GetFormattedMessage(), Whole(L"<context />")) << link;
+    }
+}
+
+TEST(InspectorMessage, PassesOnTheXmlLibrarysOwnFailureOfContextAndFormat) {
+    CInspectorMessage message(L"Email");
+    {
+        const FailingXml failing(FailingXml::At::Link);
+        EXPECT_THROW(message.AddContextItem(L"User", L"x"), ticpp::Exception);
+    }
+    const FailingXml failing(FailingXml::At::Print);
+    EXPECT_THROW(message.GetFormattedMessage(), ticpp::Exception);
+    EXPECT_EQ(message.GetFormattedMessage(), Whole(L"<context />"));
 }

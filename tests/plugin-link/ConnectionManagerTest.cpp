@@ -7,6 +7,7 @@
 
 #include "plugin-link/Exceptions.h"
 #include "stand-ins/agent/Agent.h"
+#include "tests/plugin-link/FailingXml.h"
 #include "tests/plugin-link/Throws.h"
 #include "tests/support/LogCapture.h"
 
@@ -201,6 +202,24 @@ TEST(ConnectionManager, MakesEveryFailureToInspectAMessageOne) {
     const test_support::LogCapture log;
     expectFormat();
     EXPECT_THAT(ManagersErrors(log), ElementsAre(L"Failed to call Inspect: no policy"));
+}
+
+TEST(ConnectionManager, SendsNothingOfAMessageThatCannotBeFormatted) {
+    Agent agent;
+    const CInspectorMessage message(L"Email");
+    const CConnectionManager manager;
+    const std::pair<std::function<void()>, const wchar_t*> calls[] = {
+        {[&] { manager.Inspect(message); }, kInspect.location},
+        {[&] { manager.BeginInspect(message); }, kBeginInspect.location},
+        {[&] { manager.HandleAppLaunchFileAccess(message); }, kHandleAppLaunchFileAccess.location},
+        {[&] { manager.ProcessExit(message); }, kProcessExit.location}};
+    for (const auto& [call, location] : calls) {
+        const plugin_link_tests::FailingXml failing(plugin_link_tests::FailingXml::At::Print);
+        const auto failure = Thrown<PluginManagerFormatException>(call);
+        EXPECT_EQ(failure.GetMessage(), kFormatWords);
+        EXPECT_EQ(failure.GetLocation(), location);
+    }
+    EXPECT_TRUE(agent.Requests().empty());
 }
 
 TEST(ConnectionManager, GuardsOnlyTheFormattingInTheOtherOperations) {

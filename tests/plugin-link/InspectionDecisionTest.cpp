@@ -79,9 +79,9 @@ TEST(InspectionDecision, HasNoModificationsInAnEmptyList) {
 TEST(InspectionDecision, CountsEachKindOfModification) {
     EXPECT_TRUE(InspectionDecision(Answer(L"<EmailSubject value=\"x\" />")).HasModifications());
     EXPECT_TRUE(InspectionDecision(Answer(L"<EmailBody path=\"C:\\none\\x\" />")).HasModifications());
-    EXPECT_TRUE(InspectionDecision(Answer(L"<EmailAttachments>" + Attachment(L"C:\\none\\x", L"x") +
-                                          L"</EmailAttachments>"))
-                    .HasModifications());
+    EXPECT_TRUE(
+        InspectionDecision(Answer(L"<EmailAttachments>" + Attachment(L"C:\\none\\x", L"x") + L"</EmailAttachments>"))
+            .HasModifications());
     EXPECT_FALSE(InspectionDecision(Answer(L"<EmailSubject value=\"\" />")).HasModifications());
 }
 
@@ -96,9 +96,9 @@ TEST(InspectionDecision, KeepsTheVerdictWhenASubjectHasNoValue) {
 }
 
 TEST(InspectionDecision, StopsAtAnAttachmentWithoutANameAndKeepsThoseBefore) {
-    const InspectionDecision decision(Answer(
-        L"<EmailAttachments>" + Attachment(L"C:\\none\\a", L"first") + L"<Attachment path=\"C:\\none\\b\" />" +
-        Attachment(L"C:\\none\\c", L"third") + L"</EmailAttachments>"));
+    const InspectionDecision decision(Answer(L"<EmailAttachments>" + Attachment(L"C:\\none\\a", L"first") +
+                                             L"<Attachment path=\"C:\\none\\b\" />" +
+                                             Attachment(L"C:\\none\\c", L"third") + L"</EmailAttachments>"));
     EXPECT_THAT(decision.GetAttachments(), ElementsAre(Pair(L"C:\\none\\a", L"first")));
     EXPECT_EQ(decision.GetResult(), 1);
 }
@@ -122,8 +122,8 @@ TEST(InspectionDecision, TakesAMisspeltListForNone) {
 }
 
 TEST(InspectionDecision, SkipsOtherElementsAmongTheAttachments) {
-    const InspectionDecision decision(Answer(L"<EmailAttachments><Other /><!-- x -->" +
-                                             Attachment(L"C:\\none\\a", L"a") + L"</EmailAttachments>"));
+    const InspectionDecision decision(
+        Answer(L"<EmailAttachments><Other /><!-- x -->" + Attachment(L"C:\\none\\a", L"a") + L"</EmailAttachments>"));
     EXPECT_THAT(decision.GetAttachments(), ElementsAre(Pair(L"C:\\none\\a", L"a")));
 }
 
@@ -146,9 +146,9 @@ TEST(InspectionDecision, TakesItsFilesAlong) {
     const auto other = NewFile(folder, L"other.tmp");
     const LogCapture log;
     {
-        const InspectionDecision decision(
-            Answer(L"<EmailBody path=\"" + body.wstring() + L"\" /><EmailAttachments>" + Attachment(second, L"B.pdf") +
-                   Attachment(first, L"A.pdf") + L"</EmailAttachments>"));
+        const InspectionDecision decision(Answer(L"<EmailBody path=\"" + body.wstring() + L"\" /><EmailAttachments>" +
+                                                 Attachment(second, L"B.pdf") + Attachment(first, L"A.pdf") +
+                                                 L"</EmailAttachments>"));
         EXPECT_TRUE(exists(body) && exists(first) && exists(second));
     }
     EXPECT_FALSE(exists(body) || exists(first) || exists(second));
@@ -168,8 +168,8 @@ TEST(InspectionDecision, GoesOnPastAnAttachmentThatIsGone) {
     const auto there = NewFile(folder, L"b.tmp");
     const LogCapture log;
     {
-        const InspectionDecision decision(Answer(L"<EmailAttachments>" + Attachment(gone, L"A") +
-                                                 Attachment(there, L"B") + L"</EmailAttachments>"));
+        const InspectionDecision decision(
+            Answer(L"<EmailAttachments>" + Attachment(gone, L"A") + Attachment(there, L"B") + L"</EmailAttachments>"));
     }
     EXPECT_FALSE(exists(there));
     EXPECT_THAT(log.Texts(L"DEBUG"), ElementsAre(L"Deleting 2 email attachment files...",
@@ -192,13 +192,13 @@ TEST(InspectionDecision, LogsARemovalThatFailsAndRemovesTheRest) {
     const TemporaryFolder folder;
     const auto held = NewFile(folder, L"a.tmp");
     const auto rest = NewFile(folder, L"b.tmp");
-    const HANDLE holder =
-        CreateFileW(held.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    const HANDLE holder = CreateFileW(held.c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                                      FILE_ATTRIBUTE_NORMAL, nullptr);
     ASSERT_NE(holder, INVALID_HANDLE_VALUE);
     const LogCapture log;
     {
-        const InspectionDecision decision(Answer(L"<EmailAttachments>" + Attachment(held, L"A") +
-                                                 Attachment(rest, L"B") + L"</EmailAttachments>"));
+        const InspectionDecision decision(
+            Answer(L"<EmailAttachments>" + Attachment(held, L"A") + Attachment(rest, L"B") + L"</EmailAttachments>"));
     }
     CloseHandle(holder);
     EXPECT_TRUE(exists(held));

@@ -80,9 +80,8 @@ TEST(MessageCommon, LogsTheMaskedTextOfWhatItSends) {
     message.Set(L"Param", L"secret", true);
     const test_support::LogCapture log;
     MessageCommon::Send(pair.near_, message);
-    EXPECT_THAT(log.Texts(L"TRACE"),
-                testing::ElementsAre(L"Sending to: " + std::to_wstring(pair.near_.Get()) + L", message: " +
-                                     message.ToLogString()));
+    EXPECT_THAT(log.Texts(L"TRACE"), testing::ElementsAre(L"Sending to: " + std::to_wstring(pair.near_.Get()) +
+                                                          L", message: " + message.ToLogString()));
     EXPECT_THAT(log.Lines().back().logger, testing::EndsWith(L"MessageCommon"));
 }
 

@@ -103,8 +103,9 @@ TEST(Message, MasksHiddenValuesInTheLogFormOnly) {
     Message message(MessageType::Request, 1);
     message.Set(L"Open", L"seen", false);
     message.Set(L"Secret", L"unseen", true);
-    const std::wstring head = L"<?xml version=\"1.0\" encoding=\"utf-16\"?><Msg version=\"1\" type=\"Request\" pid=\"1\">"
-                              L"<Key name=\"Open\" type=\"string\" size=\"8\" hidden=\"0\">seen</Key>";
+    const std::wstring head =
+        L"<?xml version=\"1.0\" encoding=\"utf-16\"?><Msg version=\"1\" type=\"Request\" pid=\"1\">"
+        L"<Key name=\"Open\" type=\"string\" size=\"8\" hidden=\"0\">seen</Key>";
     EXPECT_EQ(Dense(message.ToLogString()),
               head + L"<Key name=\"Secret\" type=\"string\" size=\"2\" hidden=\"1\">*</Key></Msg>");
     EXPECT_EQ(Dense(message.ToString()),
@@ -186,8 +187,7 @@ TEST(Message, ReadsWhatIsNoNumberAsNull) {
 }
 
 TEST(Message, TakesAMissingHiddenForFalse) {
-    const auto message =
-        Message::FromString(Document(L"<Key name=\"a\" type=\"string\" size=\"2\">x</Key>"));
+    const auto message = Message::FromString(Document(L"<Key name=\"a\" type=\"string\" size=\"2\">x</Key>"));
     EXPECT_NE(message->ToLogString().find(L"hidden=\"0\">x<"), std::wstring::npos);
 }
 
@@ -244,9 +244,9 @@ TEST(Message, RefusesAnotherRoot) {
 TEST(Message, RefusesTextThatIsNoDocument) {
     // Some readers report a failure for text without an element, others the end of the input.
     for (const wchar_t* text : {L"no document", L"", L"  ", L"<?xml version=\"1.0\"?>", L"<Msg"}) {
-        EXPECT_THAT(Thrown<vorlek::Exception>([&] { Message::FromString(text); }).GetMessage(),
-                    testing::AnyOf(testing::StartsWith(L"Read failed with: "),
-                                   L"Invalid message header! Type: none, value: "))
+        EXPECT_THAT(
+            Thrown<vorlek::Exception>([&] { Message::FromString(text); }).GetMessage(),
+            testing::AnyOf(testing::StartsWith(L"Read failed with: "), L"Invalid message header! Type: none, value: "))
             << text;
     }
 }
@@ -278,18 +278,18 @@ TEST(Message, TellsThePlaceByLine) {
 }
 
 TEST(Message, RefusesAnotherVersion) {
-    const auto failure = Thrown<vorlek::Exception>(
-        [] { Message::FromString(L"<Msg version=\"2\" type=\"Request\" pid=\"1\"/>"); });
+    const auto failure =
+        Thrown<vorlek::Exception>([] { Message::FromString(L"<Msg version=\"2\" type=\"Request\" pid=\"1\"/>"); });
     EXPECT_EQ(failure.GetMessage(), L"Invalid message version: 2");
 }
 
 TEST(Message, RefusesAnUnknownTypeOnlyOnceTheVersionIsRight) {
-    const auto type = Thrown<vorlek::Exception>(
-        [] { Message::FromString(L"<Msg version=\"1\" type=\"request\" pid=\"1\"/>"); });
+    const auto type =
+        Thrown<vorlek::Exception>([] { Message::FromString(L"<Msg version=\"1\" type=\"request\" pid=\"1\"/>"); });
     EXPECT_EQ(type.GetMessage(), L"Invalid message type: \"request\"");
     EXPECT_EQ(type.GetLocation(), L"vorlek::Message::StringToMessageType");
-    const auto version = Thrown<vorlek::Exception>(
-        [] { Message::FromString(L"<Msg version=\"3\" type=\"request\" pid=\"1\"/>"); });
+    const auto version =
+        Thrown<vorlek::Exception>([] { Message::FromString(L"<Msg version=\"3\" type=\"request\" pid=\"1\"/>"); });
     EXPECT_EQ(version.GetMessage(), L"Invalid message version: 3");
 }
 
@@ -311,7 +311,7 @@ TEST(Message, GetNamesAMissingKey) {
         const auto failure = Thrown<vorlek::Exception>(get);
         EXPECT_EQ(failure.GetMessage(), L"Key \"a b\" wasn't found!");
         EXPECT_EQ(failure.GetLocation(), location);
-        };
+    };
     expectMissing([&] { message.Get(L"a b", number); }, L"vorlek::Message::Get");
     expectMissing([&] { message.Get(L"a b", text); }, L"vorlek::Message::Get");
     expectMissing([&] { message.Get(L"a b", bytes); }, L"vorlek::Message::Get");

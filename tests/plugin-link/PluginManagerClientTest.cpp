@@ -4,6 +4,7 @@
 
 #include "plugin-link/Exceptions.h"
 #include "plugin-link/ServicePort.h"
+#include "plugin-link/WinsockInit.h"
 #include "stand-ins/agent/Agent.h"
 #include "tests/plugin-link/SocketPair.h"
 #include "tests/plugin-link/SystemCalls.h"
@@ -162,10 +163,10 @@ TEST(PluginManagerClient, RefusesAResultOfAnotherType) {
     {
         const Answering agent(Answer::Text(L"1"));
         std::int32_t result = 0;
-        const auto failure = Thrown<vorlek::ArgumentException>(
-            [&] { vorlek::CallWithIntResult(kPlugin, L"GetExecutionMode", {L"Email", false}, result); });
-        EXPECT_EQ(failure.GetMessage(),
-                  L"Invalid requested type for value \"Result\". Requested: int, actual: string");
+        const auto failure = Thrown<vorlek::ArgumentException>([&] {
+            vorlek::CallWithIntResult(kPlugin, L"GetExecutionMode", {L"Email", false}, result);
+        });
+        EXPECT_EQ(failure.GetMessage(), L"Invalid requested type for value \"Result\". Requested: int, actual: string");
     }
     const Answering agent(Answer::Number(1));
     EXPECT_EQ(Thrown<vorlek::ArgumentException>(Call).GetMessage(),
@@ -177,13 +178,12 @@ TEST(PluginManagerClient, TakesTheFirstOfTwoMessagesAndWarns) {
     first.Set(L"Result", L"first", false);
     Message second(MessageType::Response, 1);
     second.Set(L"Result", L"second", false);
-    const Answering agent(
-        Answer::Bytes(Bytes(first.ToString() + L"###@@@###" + second.ToString() + L"###@@@###")));
+    const Answering agent(Answer::Bytes(Bytes(first.ToString() + L"###@@@###" + second.ToString() + L"###@@@###")));
     const test_support::LogCapture log;
     EXPECT_EQ(Call(), L"first");
-    EXPECT_THAT(log.Texts(L"WARN"),
-                testing::ElementsAre(
-                    L"Received more than a single message! Only single message is currently supported!"));
+    EXPECT_THAT(
+        log.Texts(L"WARN"),
+        testing::ElementsAre(L"Received more than a single message! Only single message is currently supported!"));
 }
 
 TEST(PluginManagerClient, PassesOnWhatTheTransportReports) {
@@ -209,6 +209,7 @@ TEST(PluginManagerClient, ReceivesAnAnswerInOddPieces) {
 
 TEST(PluginManagerClient, MakesTheCallsOfAWholeExchangeInTheirOrder) {
     const Answering agent(Answer::Text(L""));
+    vorlek::WinsockInit();
     const SystemCalls calls;
     Call();
     std::vector<std::string> names = calls.Names();
@@ -222,8 +223,8 @@ TEST(PluginManagerClient, MakesTheCallsOfAWholeExchangeInTheirOrder) {
         }
     }
     EXPECT_THAT(names, testing::ElementsAre("GetAddrInfoW", "WSAAddressToStringW", "socket", "shutdown", "closesocket",
-                                            "FreeAddrInfoW", "GetAddrInfoW", "WSAAddressToStringW", "socket",
-                                            "connect", "send", "recv", "shutdown", "closesocket", "FreeAddrInfoW"));
+                                            "FreeAddrInfoW", "GetAddrInfoW", "WSAAddressToStringW", "socket", "connect",
+                                            "send", "recv", "shutdown", "closesocket", "FreeAddrInfoW"));
 }
 
 TEST(PluginManagerClient, CallsAtOnceFromManyThreadsEachWithItsConnection) {

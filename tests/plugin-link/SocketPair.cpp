@@ -50,7 +50,9 @@ SocketPair::SocketPair() {
 }
 
 PieceWriter::PieceWriter(SocketPair& pair, std::vector<std::string> pieces, bool close)
-    : pair_(pair), pieces_(std::move(pieces)), close_(close),
+    : pair_(pair),
+      pieces_(std::move(pieces)),
+      close_(close),
       thread_(CreateThread(nullptr, 0, &PieceWriter::Run_, this, 0, nullptr)) {}
 
 PieceWriter::~PieceWriter() {

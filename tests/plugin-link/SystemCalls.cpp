@@ -18,8 +18,8 @@ int Enter(const char* name) {
 
 // The linker sends every call of the program here, and leaves the system's own under the second name.
 extern "C" {
-#define WRAPPED(call)                                         \
-    extern decltype(&call) real_##call __asm__("__real___imp_" #call); \
+#define WRAPPED(call)                                                                                                  \
+    extern decltype(&call) real_##call __asm__("__real___imp_" #call);                                                 \
     extern decltype(&call) wrap_##call __asm__("__wrap___imp_" #call)
 WRAPPED(socket);
 WRAPPED(shutdown);
@@ -75,8 +75,8 @@ int WSAAPI Select(int count, fd_set* read, fd_set* write, fd_set* exception, con
                               .exception = exception != nullptr,
                               .hasLimit = limit != nullptr,
                               .limit = limit == nullptr ? timeval{} : *limit,
-                              .chosen = read != nullptr    ? *read
-                                        : write != nullptr ? *write
+                              .chosen = read != nullptr        ? *read
+                                        : write != nullptr     ? *write
                                         : exception != nullptr ? *exception
                                                                : fd_set{}};
         if (current->HasSelectResult_()) {
@@ -99,8 +99,7 @@ void WSAAPI FreeResolved(PADDRINFOW list) {
 }
 INT WSAAPI AddressToString(LPSOCKADDR address, DWORD length, LPWSAPROTOCOL_INFOW protocol, LPWSTR text, LPDWORD size) {
     const int error = Enter("WSAAddressToStringW");
-    return error != 0 ? Failed(error, SOCKET_ERROR)
-                      : real_WSAAddressToStringW(address, length, protocol, text, size);
+    return error != 0 ? Failed(error, SOCKET_ERROR) : real_WSAAddressToStringW(address, length, protocol, text, size);
 }
 
 } // namespace
@@ -145,8 +144,8 @@ void SystemCalls::Fail(const std::string& name, int error) {
 
 int SystemCalls::Enter_(const std::string& name) {
     names_.push_back(name);
-    const auto failure = std::find_if(failures_.begin(), failures_.end(),
-                                      [&](const auto& each) { return each.first == name; });
+    const auto failure =
+        std::find_if(failures_.begin(), failures_.end(), [&](const auto& each) { return each.first == name; });
     return failure == failures_.end() ? 0 : failure->second;
 }
 

@@ -25,7 +25,10 @@ public:
     /// WSAGetLastError tells; for WSAStartup and GetAddrInfoW the result itself.
     void Fail(const std::string& name, int error);
     /// From now on select answers with this, without reaching the system.
-    void AnswerSelect(int result) { selectResult_ = result; hasSelectResult_ = true; }
+    void AnswerSelect(int result) {
+        selectResult_ = result;
+        hasSelectResult_ = true;
+    }
 
     /// What the latest select was given.
     struct Selection {

@@ -62,8 +62,7 @@ TEST(TCPCommon, CallsABrokenConnectionTerminated) {
         calls.Fail("send", error);
         calls.Fail("recv", error);
         std::vector<BYTE> data = kHello;
-        const auto sending =
-            Thrown<vorlek::ConnectionTerminatedException>([&] { TCPCommon::Send(pair.near_, data); });
+        const auto sending = Thrown<vorlek::ConnectionTerminatedException>([&] { TCPCommon::Send(pair.near_, data); });
         EXPECT_EQ(sending.GetMessage(), L"send failed!");
         EXPECT_EQ(sending.GetLocation(), L"vorlek::TCPCommon::Send");
         const auto receiving =

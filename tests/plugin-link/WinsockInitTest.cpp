@@ -1,6 +1,7 @@
 #include "plugin-link/WinsockInit.h"
 
 #include <gtest/gtest.h>
+#include <log4cxx/logger.h>
 
 #include "platform/Windows.h"
 #include "tests/support/ChildProcess.h"
@@ -16,9 +17,20 @@ DWORD WINAPI Start_(void* go) {
     return works ? 1 : 0;
 }
 
+/// How often Winsock was started; none of it is left then.
+int CountStarts_() {
+    int starts = 0;
+    while (WSACleanup() == 0) {
+        ++starts;
+    }
+    return starts;
+}
+
 /// In a process that has not used sockets yet: threads that do so at the same moment. The result tells how
 /// many of them had sockets, and how often Winsock was started.
 std::wstring StartTogether(const std::wstring& threads) {
+    log4cxx::Logger::getRootLogger(); // its run-time library starts Winsock for itself, when first used
+    CountStarts_();
     const HANDLE go = CreateEventW(nullptr, TRUE, FALSE, nullptr);
     std::vector<HANDLE> started(std::stoul(threads));
     for (HANDLE& thread : started) {
@@ -34,11 +46,7 @@ std::wstring StartTogether(const std::wstring& threads) {
         CloseHandle(thread);
     }
     CloseHandle(go);
-    int starts = 0;
-    while (WSACleanup() == 0) {
-        ++starts;
-    }
-    return std::to_wstring(working) + L" of " + threads + L", started " + std::to_wstring(starts);
+    return std::to_wstring(working) + L" of " + threads + L", started " + std::to_wstring(CountStarts_());
 }
 
 const test_support::ChildRoleName kRole(L"StartWinsockTogether", StartTogether);

@@ -25,6 +25,11 @@ public:
     ChildProcess& operator=(const ChildProcess&) = delete;
     ~ChildProcess();
 
+    DWORD Id() const { return GetProcessId(process_); }
+    HANDLE Handle() const { return process_; }
+    /// What it was started with.
+    const std::wstring& CommandLine() const { return commandLine_; }
+
     /// Until the role calls SayReady. Raises std::runtime_error if it ends without.
     void WaitUntilReady();
     /// Until the role has returned: what it returned. Raises std::runtime_error if it never did.
@@ -35,6 +40,7 @@ public:
 private:
     std::wstring resultPath_;
     HANDLE ready_;
+    std::wstring commandLine_;
     HANDLE process_ = nullptr;
 };
 

@@ -39,9 +39,8 @@ ULONG ScriptedObject::Release() {
 }
 
 HRESULT ScriptedObject::GetIDsOfNames(REFIID, LPOLESTR* names, UINT, LCID, DISPID* ids) {
-    const auto found = std::ranges::find(members_, std::wstring(names[0]), [](const auto& member) {
-        return member.first;
-    });
+    const auto found =
+        std::ranges::find(members_, std::wstring(names[0]), [](const auto& member) { return member.first; });
     if (found == members_.end()) {
         ids[0] = DISPID_UNKNOWN;
         return DISP_E_UNKNOWNNAME;

@@ -121,7 +121,9 @@ public:
 
     /// Whatever the result, the sink can be advised again.
     HRESULT DispEventUnadvise(IUnknown* source) {
-        return AtlUnadvise(source, *iid, std::exchange(m_dwEventCookie, kNotAdvised));
+        const HRESULT result = AtlUnadvise(source, *iid, m_dwEventCookie);
+        m_dwEventCookie = kNotAdvised;
+        return result;
     }
 
     static constexpr DWORD kNotAdvised = 0xFEFEFEFE;

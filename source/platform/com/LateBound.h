@@ -43,7 +43,7 @@ T FromVariant(_variant_t value) {
 }
 
 /// Base of the interfaces of an object model that is reached by name only: the pointer is the object's
-/// own IDispatch, and each member is a line over Get_, Put_, Call_ or At_. The derived structs must
+/// own IDispatch, and each member is a line over Get_, Put_, Call_ or Do_. The derived structs must
 /// have a name with linkage: from one in an anonymous namespace the compiler, which sees no class that
 /// implements it, removes the calls.
 struct LateBound : IDispatch {
@@ -55,17 +55,15 @@ protected:
     void Put_(const wchar_t* member, const _variant_t& value) {
         InvokeByName(*this, member, DISPATCH_PROPERTYPUT, {value});
     }
+    /// Names alone do not tell a method from an indexed property: whatever returns something is asked for as both.
     template <class T, class... Arguments>
     T Call_(const wchar_t* member, const Arguments&... arguments) {
-        return FromVariant<T>(InvokeByName(*this, member, DISPATCH_METHOD, {_variant_t(arguments)...}));
+        return FromVariant<T>(
+            InvokeByName(*this, member, DISPATCH_METHOD | DISPATCH_PROPERTYGET, {_variant_t(arguments)...}));
     }
     template <class... Arguments>
     void Do_(const wchar_t* member, const Arguments&... arguments) {
         InvokeByName(*this, member, DISPATCH_METHOD, {_variant_t(arguments)...});
-    }
-    template <class T>
-    T At_(const wchar_t* member, const _variant_t& index) {
-        return FromVariant<T>(InvokeByName(*this, member, DISPATCH_METHOD | DISPATCH_PROPERTYGET, {index}));
     }
 };
 
@@ -73,11 +71,11 @@ protected:
 
 /// Names a late-bound interface of a namespace with its identifier, and its counted pointer (the name
 /// with Ptr behind it). To be written at global scope, before the struct itself.
-#define LATE_BOUND_INTERFACE(space, name, ...)                                                                   \
-    namespace space {                                                                                            \
-    struct name;                                                                                                 \
-    }                                                                                                            \
-    __CRT_UUID_DECL(space::name, __VA_ARGS__)                                                                    \
-    namespace space {                                                                                            \
-    _COM_SMARTPTR_TYPEDEF(name, __uuidof(name));                                                                 \
+#define LATE_BOUND_INTERFACE(space, name, ...)                                                                         \
+    namespace space {                                                                                                  \
+    struct name;                                                                                                       \
+    }                                                                                                                  \
+    __CRT_UUID_DECL(space::name, __VA_ARGS__)                                                                          \
+    namespace space {                                                                                                  \
+    _COM_SMARTPTR_TYPEDEF(name, __uuidof(name));                                                                       \
     }

@@ -4,7 +4,7 @@
 // member raises _com_error with the failure's code; a property that holds no object gives a null pointer.
 #include "platform/com/LateBound.h"
 
-#define OUTLOOK_INTERFACE(name, number)                                                                          \
+#define OUTLOOK_INTERFACE(name, number)                                                                                \
     LATE_BOUND_INTERFACE(Outlook, name, number, 0x0000, 0x0000, 0xC0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46)
 
 OUTLOOK_INTERFACE(_Application, 0x00063001)
@@ -52,7 +52,7 @@ struct Attachment : LateBound {
 /// Indices start at 1.
 struct Attachments : LateBound {
     long GetCount() { return Get_<long>(L"Count"); }
-    AttachmentPtr Item(const _variant_t& index) { return At_<AttachmentPtr>(L"Item", index); }
+    AttachmentPtr Item(const _variant_t& index) { return Call_<AttachmentPtr>(L"Item", index); }
     void Remove(long index) { Do_(L"Remove", index); }
     AttachmentPtr Add(const _variant_t& source, const _variant_t& type, const _variant_t& position,
                       const _variant_t& displayName) {
@@ -69,7 +69,7 @@ struct Recipient : LateBound {
 /// Indices start at 1.
 struct Recipients : LateBound {
     long GetCount() { return Get_<long>(L"Count"); }
-    RecipientPtr Item(const _variant_t& index) { return At_<RecipientPtr>(L"Item", index); }
+    RecipientPtr Item(const _variant_t& index) { return Call_<RecipientPtr>(L"Item", index); }
     bool ResolveAll() { return Call_<bool>(L"ResolveAll"); }
 };
 

@@ -104,36 +104,37 @@ void CommonUtils::GetInspectedItemIds(std::vector<std::wstring>& itemIds, const 
 std::wstring CommonUtils::GetSentItemId(const std::wstring& itemId, const log4cxx::LoggerPtr& logger) {
     LOG_INFO(logger, L"looking for item with id - " << itemId << L" in the registry");
     std::wstring sentItemId;
-    const bool found = Guard(logger, LOG_SITE,
-                             Phrases_(L"Failed to get the value for the requested id: ",
-                                      L"Unknown error occurred while trying to get the registry value for the id."),
-                             [&] {
-                                 LOG_DEBUG(logger, L"Taking lock to access the IDs in the Registry");
-                                 const Lock guard(inspectedItemsLock_);
-                                 LOG_DEBUG(logger, L"Accessing the IDs in the Registry - open subkey");
-                                 const auto key = OpenKey_(kUnsentKey);
-                                 LOG_DEBUG(logger, L"Accessing the IDs in the Registry - opened subkey - reading values");
-                                 key->GetValue(itemId, sentItemId);
-                                 LOG_DEBUG(logger, L"Successfully retrieved " << sentItemId);
-                             });
+    const bool found =
+        Guard(logger, LOG_SITE,
+              Phrases_(L"Failed to get the value for the requested id: ",
+                       L"Unknown error occurred while trying to get the registry value for the id."),
+              [&] {
+                  LOG_DEBUG(logger, L"Taking lock to access the IDs in the Registry");
+                  const Lock guard(inspectedItemsLock_);
+                  LOG_DEBUG(logger, L"Accessing the IDs in the Registry - open subkey");
+                  const auto key = OpenKey_(kUnsentKey);
+                  LOG_DEBUG(logger, L"Accessing the IDs in the Registry - opened subkey - reading values");
+                  key->GetValue(itemId, sentItemId);
+                  LOG_DEBUG(logger, L"Successfully retrieved " << sentItemId);
+              });
     return found ? sentItemId : std::wstring();
 }
 
 bool CommonUtils::IsOnSpotOverrideEnabled(const log4cxx::LoggerPtr& logger) {
     ULONGLONG enabled = 0;
-    const bool read = Guard(
-        logger, LOG_SITE,
-        Phrases_(L"Failed to get the value for the onspot override: ",
-                 L"Unknown error occurred while trying to get the registry value for onspot override."),
-        [&] {
-            LOG_DEBUG(logger, L"Checking for OnSpot override");
-            const auto key = OpenKey_(kInputKey);
-            LOG_DEBUG(logger, L"Accessing the on-spot value in the Registry - opened subkey");
-            if (key->ValueExists(kOnSpotValue)) {
-                key->GetValue(kOnSpotValue, enabled);
-                LOG_DEBUG(logger, L"Successfully retrieved " << enabled);
-            }
-        });
+    const bool read =
+        Guard(logger, LOG_SITE,
+              Phrases_(L"Failed to get the value for the onspot override: ",
+                       L"Unknown error occurred while trying to get the registry value for onspot override."),
+              [&] {
+                  LOG_DEBUG(logger, L"Checking for OnSpot override");
+                  const auto key = OpenKey_(kInputKey);
+                  LOG_DEBUG(logger, L"Accessing the on-spot value in the Registry - opened subkey");
+                  if (key->ValueExists(kOnSpotValue)) {
+                      key->GetValue(kOnSpotValue, enabled);
+                      LOG_DEBUG(logger, L"Successfully retrieved " << enabled);
+                  }
+              });
     return read && enabled != 0;
 }
 

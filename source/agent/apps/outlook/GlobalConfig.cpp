@@ -5,28 +5,16 @@
 #include "foundation/Log.h"
 
 namespace vorlek {
-namespace {
 
-/// Never destroyed: when statics die at the end of the process, Outlook is half gone and a last Release
-/// would run in its ruins. An unload of the DLL alone gives the reference back through the setter.
-union Application_ {
-    Application_() : pointer() {}
-    ~Application_() {}
-    Outlook::_ApplicationPtr pointer;
-};
-
-Application_ outlookApplication_;
-
-} // namespace
-
+GlobalConfig::Application_ GlobalConfig::outlookApplication;
 std::int32_t GlobalConfig::outlookMajorVersion = -1;
 
 void GlobalConfig::SetOutlookApplication(const Outlook::_ApplicationPtr& application) {
-    outlookApplication_.pointer = application;
+    outlookApplication.pointer = application;
 }
 
 Outlook::_ApplicationPtr GlobalConfig::GetOutlookApplication() {
-    return outlookApplication_.pointer;
+    return outlookApplication.pointer;
 }
 
 std::int32_t GlobalConfig::SetOutlookMajorVersion(const std::wstring& version, const log4cxx::LoggerPtr& logger) {

@@ -29,6 +29,15 @@ public:
     static bool IsOutlookBefore2007();
 
 private:
+    /// Never destroyed: when statics die at the end of the process, Outlook is half gone and a last Release would
+    /// run in its ruins. An unload of the DLL alone gives the reference back through the setter.
+    union Application_ {
+        Application_() : pointer() {}
+        ~Application_() {}
+        Outlook::_ApplicationPtr pointer;
+    };
+
+    static Application_ outlookApplication;
     static std::int32_t outlookMajorVersion;
 };
 

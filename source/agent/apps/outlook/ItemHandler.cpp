@@ -141,8 +141,8 @@ void ItemHandler::ReadFileToBSTR(const std::wstring& path, _bstr_t& data) {
     std::vector<char> bytes(static_cast<std::size_t>(file.GetSize()));
     const DWORD size = bytes.empty() ? 0 : file.Read(bytes.data(), static_cast<DWORD>(bytes.size()));
     LOG_DEBUG(logger_, L"Reading BSTR of size " << size << L" from " << path);
-    const bool marked = size >= sizeof(kByteOrderMark) &&
-                        std::memcmp(bytes.data(), kByteOrderMark, sizeof(kByteOrderMark)) == 0;
+    const bool marked =
+        size >= sizeof(kByteOrderMark) && std::memcmp(bytes.data(), kByteOrderMark, sizeof(kByteOrderMark)) == 0;
     const DWORD skipped = marked ? sizeof(kByteOrderMark) : 0;
     const BSTR text = SysAllocStringByteLen(bytes.data() + skipped, size - skipped);
     if (text == nullptr) {

@@ -80,8 +80,7 @@ void MessageHandler::SendThroughOutlook_() {
         status = Item_->Send();
         LOG_INFO(logger_, L"Sending the message deb6.sta=" << status);
     } catch (const _com_error& failure) {
-        LOG_ERROR(logger_,
-                  L"MessageHandler::Send: YM:Caught a com exception during Send: " << failure.ErrorMessage());
+        LOG_ERROR(logger_, L"MessageHandler::Send: YM:Caught a com exception during Send: " << failure.ErrorMessage());
         status = failure.Error();
         comErrorInSend = true;
     } catch (const std::exception& failure) {

@@ -132,8 +132,8 @@ void FillRecipient_(Outlook::Recipients& recipients, long index, CInspectorMessa
         LOG_DEBUG(logger, L"Invalid type to recipient #" << index << L" - skipping it");
         return;
     }
-    LOG_DEBUG(logger, L"Recipient [" << index << L"] address=[" << address << L"] recipientContextType=[" << key
-                                     << L"]");
+    LOG_DEBUG(logger,
+              L"Recipient [" << index << L"] address=[" << address << L"] recipientContextType=[" << key << L"]");
     message.AddContextItem(key, address);
     message.AddContextItem(vocabulary::key::kIncidentDestination, address);
 }

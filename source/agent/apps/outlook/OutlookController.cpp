@@ -68,8 +68,7 @@ std::int32_t OutlookController::InitOutlookVersion_() {
 }
 
 bool OutlookController::InspectItemBeforeSending(IDispatchPtr item) {
-    LOG_INFO(logger_,
-             L" InspectItemBeforeSending-----------------------------------------------------------------");
+    LOG_INFO(logger_, L" InspectItemBeforeSending-----------------------------------------------------------------");
     // Outside the guarded region: an agent that is gone stops the mail here, while one that is lost in the
     // middle of an inspection lets it pass.
     if (IsPluginDisabled_()) {

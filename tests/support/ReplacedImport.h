@@ -1,0 +1,70 @@
+#pragma once
+#include <algorithm>
+#include <cstddef>
+#include <functional>
+#include <utility>
+
+#include "platform/Windows.h"
+
+namespace test_support {
+
+/// The name of a system function, as a template argument.
+template <std::size_t Size>
+struct ImportName {
+    char text[Size];
+    constexpr ImportName(const char (&name)[Size]) { std::copy_n(name, Size, text); }
+};
+
+/// Lets the program's import of a system function lead to another one; returns where it led before.
+/// Raises std::runtime_error for a function that the program does not import.
+void* ExchangeImport(const char* name, void* function);
+
+/// While it lives, this program's calls of a system function come here, from every thread:
+/// ReplacedImport<"CloseHandle", decltype(CloseHandle)> close([&](HANDLE handle) { return close.Original(handle); });
+template <ImportName Name, class Signature>
+class ReplacedImport;
+
+template <ImportName Name, class Result, class... Arguments>
+class ReplacedImport<Name, Result(Arguments...)> {
+public:
+    explicit ReplacedImport(std::function<Result(Arguments...)> body) : body_(std::move(body)) {
+        current_ = this;
+        original_ = ExchangeImport(Name.text, reinterpret_cast<void*>(Call_));
+    }
+    ReplacedImport(const ReplacedImport&) = delete;
+    ReplacedImport& operator=(const ReplacedImport&) = delete;
+    ~ReplacedImport() { ExchangeImport(Name.text, original_); }
+
+    /// The system's own.
+    Result Original(Arguments... arguments) const {
+        return reinterpret_cast<Result (*)(Arguments...)>(original_)(arguments...);
+    }
+    int Calls() const { return calls_; }
+
+private:
+    static Result Call_(Arguments... arguments) {
+        ++current_->calls_;
+        return current_->body_(arguments...);
+    }
+
+    inline static ReplacedImport* current_ = nullptr;
+    std::function<Result(Arguments...)> body_;
+    void* original_ = nullptr;
+    int calls_ = 0;
+};
+
+/// While it lives, every call of the function fails with the error without reaching the system.
+template <ImportName Name, class Signature>
+class FailingImport;
+
+template <ImportName Name, class Result, class... Arguments>
+class FailingImport<Name, Result(Arguments...)> : public ReplacedImport<Name, Result(Arguments...)> {
+public:
+    explicit FailingImport(DWORD error, Result result = Result{})
+        : ReplacedImport<Name, Result(Arguments...)>([=](Arguments...) {
+              SetLastError(error);
+              return result;
+          }) {}
+};
+
+} // namespace test_support
