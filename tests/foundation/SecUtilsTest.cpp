@@ -70,25 +70,10 @@ TEST(SecUtils, KindThreeOpensToLowIntegrity) {
 }
 
 TEST(SecUtils, KindThreeHasNoLabelBelowVista) {
-<<<<<<< .merge_file_p0xogh
-    const TemporaryFolder folder;
-    const std::wstring program = folder / L"vorlek_tests_on_xp.exe";
-    wchar_t own[MAX_PATH];
-    GetModuleFileNameW(nullptr, own, MAX_PATH);
-    ASSERT_TRUE(CopyFileW(own, program.c_str(), TRUE));
-    // The bench's own way of giving one program an older system.
-    const std::wstring settings = L"Software\\Wine\\AppDefaults\\vorlek_tests_on_xp.exe";
-    RegistryKey::GetCurrentUser().CreateSubKey(settings, true)->SetValue(L"Version", std::wstring(L"winxp64"));
-    test_support::ChildProcess child(L"KindThree", L"", program);
-    const std::wstring result = child.Result();
-    EXPECT_EQ(std::vector<BYTE>(result.begin(), result.end()), SecurityBytes(L"D:(A;OICI;GA;;;WD)(A;OICI;GA;;;RC)"));
-    RegistryKey::GetCurrentUser().DeleteSubKeyTree(settings);
-=======
     const test_support::ProgramOnXp program;
     const std::wstring result = test_support::ChildProcess(L"KindThree", L"", program.Path()).Result();
     EXPECT_EQ(std::vector<BYTE>(result.begin(), result.end()),
               SecurityBytes(L"D:(A;OICI;GA;;;WD)(A;OICI;GA;;;RC)"));
->>>>>>> .merge_file_vjKJ21
 }
 
 TEST(SecUtils, NoKindInheritsHandles) {
