@@ -105,8 +105,8 @@ bool IsLocalUser(const std::wstring& sidText) {
 bool IsAdministrator() {
     SID_IDENTIFIER_AUTHORITY authority = SECURITY_NT_AUTHORITY;
     PSID allocated = nullptr;
-    if (!AllocateAndInitializeSid(&authority, 2, SECURITY_BUILTIN_DOMAIN_RID, DOMAIN_ALIAS_RID_ADMINS, 0, 0, 0, 0, 0,
-                                  0, &allocated)) {
+    if (!AllocateAndInitializeSid(&authority, 2, SECURITY_BUILTIN_DOMAIN_RID, DOMAIN_ALIAS_RID_ADMINS, 0, 0, 0, 0, 0, 0,
+                                  &allocated)) {
         // The words name another call; others match them as they are.
         Throw(L"UserUtils::IsAdministrator", L"LookupPrivilegeValue failed with ", GetLastError());
     }

@@ -72,8 +72,7 @@ TEST(SecUtils, KindThreeOpensToLowIntegrity) {
 TEST(SecUtils, KindThreeHasNoLabelBelowVista) {
     const test_support::ProgramOnXp program;
     const std::wstring result = test_support::ChildProcess(L"KindThree", L"", program.Path()).Result();
-    EXPECT_EQ(std::vector<BYTE>(result.begin(), result.end()),
-              SecurityBytes(L"D:(A;OICI;GA;;;WD)(A;OICI;GA;;;RC)"));
+    EXPECT_EQ(std::vector<BYTE>(result.begin(), result.end()), SecurityBytes(L"D:(A;OICI;GA;;;WD)(A;OICI;GA;;;RC)"));
 }
 
 TEST(SecUtils, NoKindInheritsHandles) {
@@ -100,18 +99,15 @@ TEST(SecUtils, ObjectGetsTheListOfTheAttributes) {
 
 TEST(SecUtils, MissingObjectRaisesNotFound) {
     const TemporaryFolder folder;
-    EXPECT_EQ(Words_([&] {
-                  SecUtils::SetObjectSecurity(SE_FILE_OBJECT, folder / L"missing", *SecUtils::GenSA(1));
-              }),
+    EXPECT_EQ(Words_([&] { SecUtils::SetObjectSecurity(SE_FILE_OBJECT, folder / L"missing", *SecUtils::GenSA(1)); }),
               L"FileNotFoundException: SecUtils::SetObjectSecurity: SetNamedSecurityInfoW failed with: 2");
 }
 
 TEST(SecUtils, AnyOtherFailureRaisesException) {
     const TemporaryFolder folder;
-    EXPECT_EQ(Words_([&] {
-                  SecUtils::SetObjectSecurity(SE_FILE_OBJECT, folder / L"missing\\file", *SecUtils::GenSA(1));
-              }),
-              L"Exception: SecUtils::SetObjectSecurity: SetNamedSecurityInfoW failed with: 3");
+    EXPECT_EQ(
+        Words_([&] { SecUtils::SetObjectSecurity(SE_FILE_OBJECT, folder / L"missing\\file", *SecUtils::GenSA(1)); }),
+        L"Exception: SecUtils::SetObjectSecurity: SetNamedSecurityInfoW failed with: 3");
 }
 
 TEST(SecUtils, AttributesWithoutAListRaise) {

@@ -49,8 +49,7 @@ ChildRoleName::ChildRoleName(const wchar_t* name, ChildRole role) {
 }
 
 ChildProcess::ChildProcess(const std::wstring& role, const std::wstring& argument, const std::wstring& program)
-    : resultPath_(NewResultPath_()),
-      ready_(CreateEventW(nullptr, TRUE, FALSE, ReadyEventName_(resultPath_).c_str())) {
+    : resultPath_(NewResultPath_()), ready_(CreateEventW(nullptr, TRUE, FALSE, ReadyEventName_(resultPath_).c_str())) {
     wchar_t own[MAX_PATH] = L"";
     GetModuleFileNameW(nullptr, own, MAX_PATH);
     commandLine_ = Quoted_(program.empty() ? own : program).substr(1) + L" " + kOption + Quoted_(role) +
