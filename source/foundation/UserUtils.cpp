@@ -1,5 +1,6 @@
 #include "foundation/UserUtils.h"
 
+#include <utility>
 #include <vector>
 
 #include <sddl.h>
@@ -85,8 +86,11 @@ void GetSidInfo(const std::wstring& sidText, std::wstring& account, std::wstring
                            &use)) {
         RaiseLookupFailure_(GetLastError());
     }
-    account = accountText.c_str();
-    domain = domainText.c_str();
+    // The first call counts the terminators, the second does not.
+    accountText.resize(accountSize);
+    domainText.resize(domainSize);
+    account = std::move(accountText);
+    domain = std::move(domainText);
 }
 
 bool IsLocalUser(const std::wstring& sidText) {
