@@ -48,8 +48,8 @@ void* GetPebAddress(HANDLE process) {
 
 std::wstring ProcessUtils::GetProcessCommandLine(DWORD pid) {
     PrepareToInspect(pid);
-    const FileHandle process = OpenProcessById<ProcessUtilsException>(
-        L"vorlek::ProcessUtils::GetProcessCommandLine", GetQueryAccess() | PROCESS_VM_READ, pid);
+    const FileHandle process = OpenProcessById<ProcessUtilsException>(L"vorlek::ProcessUtils::GetProcessCommandLine",
+                                                                      GetQueryAccess() | PROCESS_VM_READ, pid);
     const auto* const peb = static_cast<const BYTE*>(GetPebAddress(process.Get()));
     if (peb == nullptr) {
         Throw<ProcessUtilsException>(L"vorlek::ProcessUtils::GetProcessCommandLine", L"PEB structure is NULL");
@@ -58,9 +58,9 @@ std::wstring ProcessUtils::GetProcessCommandLine(DWORD pid) {
     Read_(process, peb + offsetof(PEB, ProcessParameters), &parameters, sizeof(parameters),
           {L"ReadProcessMemory (PROCESS_PARAMETERS) failed with: ", L"ReadProcessMemory (PROCESS_PARAMETERS) failed!"});
     UNICODE_STRING text = {};
-    Read_(process, parameters + offsetof(RTL_USER_PROCESS_PARAMETERS, CommandLine), &text, sizeof(text),
-          {L"ReadProcessMemory (COMMAND_LINE_STRUCT) failed with: ",
-           L"ReadProcessMemory (COMMAND_LINE_STRUCT) failed!"});
+    Read_(
+        process, parameters + offsetof(RTL_USER_PROCESS_PARAMETERS, CommandLine), &text, sizeof(text),
+        {L"ReadProcessMemory (COMMAND_LINE_STRUCT) failed with: ", L"ReadProcessMemory (COMMAND_LINE_STRUCT) failed!"});
     std::wstring commandLine(text.Length / sizeof(wchar_t), L'\0');
     if (!commandLine.empty()) {
         Read_(process, text.Buffer, commandLine.data(), commandLine.size() * sizeof(wchar_t),

@@ -35,8 +35,8 @@ std::vector<HMODULE> ListModulesOfBothWidths_(HANDLE process) {
     const auto enumerate = reinterpret_cast<decltype(&::EnumProcessModulesEx)>(
         reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"psapi.dll"), "EnumProcessModulesEx")));
     if (enumerate == nullptr) {
-        Throw(L"vorlek::ProcessUtils::GetProcessModules",
-              L"GetProcAddress failed on EnumProcessModulesEx with: ", GetLastError());
+        Throw(L"vorlek::ProcessUtils::GetProcessModules", L"GetProcAddress failed on EnumProcessModulesEx with: ",
+              GetLastError());
     }
     return ListModules_(L"EnumProcessModulesEx failed with: ", [&](HMODULE* modules, DWORD room, DWORD* needed) {
         return enumerate(process, modules, room, needed, LIST_MODULES_ALL);
@@ -71,15 +71,15 @@ std::wstring ProcessUtils::GetProcessFilePath(DWORD pid) {
         OpenProcessById<ProcessUtilsException>(L"vorlek::ProcessUtils::GetProcessFilePath", GetQueryAccess(), pid);
     wchar_t path[MAX_PATH + 1] = {};
     if (GetProcessImageFileNameW(process.Get(), path, MAX_PATH + 1) == 0) {
-        Throw<ProcessUtilsException>(L"vorlek::ProcessUtils::GetProcessFilePath",
-                                     L"GetModuleFileNameEx failed with: ", GetLastError());
+        Throw<ProcessUtilsException>(L"vorlek::ProcessUtils::GetProcessFilePath", L"GetModuleFileNameEx failed with: ",
+                                     GetLastError());
     }
     return PathUtils::CanonizePath(path);
 }
 
 std::vector<HMODULE> ProcessUtils::GetProcessModules(DWORD pid) {
-    const FileHandle process = OpenProcessById<ProcessUtilsException>(
-        L"vorlek::ProcessUtils::GetProcessModules", PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, pid);
+    const FileHandle process = OpenProcessById<ProcessUtilsException>(L"vorlek::ProcessUtils::GetProcessModules",
+                                                                      PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, pid);
     if (IsWindowsVistaOrGreater()) {
         return ListModulesOfBothWidths_(process.Get());
     }
@@ -121,15 +121,15 @@ void ProcessUtils::TerminateProcessById(DWORD pid) {
     const FileHandle process = OpenProcessById<ProcessUtilsException>(L"vorlek::ProcessUtils::TerminateProcessById",
                                                                       PROCESS_TERMINATE | SYNCHRONIZE, pid);
     if (!TerminateProcess(process.Get(), 0)) {
-        Throw<ProcessUtilsException>(L"vorlek::ProcessUtils::TerminateProcessById",
-                                     L"TerminateProcess failed with: ", GetLastError());
+        Throw<ProcessUtilsException>(L"vorlek::ProcessUtils::TerminateProcessById", L"TerminateProcess failed with: ",
+                                     GetLastError());
     }
     WaitForSingleObject(process.Get(), kTerminationMs);
 }
 
 bool ProcessUtils::TerminateApplicationById(DWORD pid, DWORD timeoutMs) {
-    const FileHandle process = OpenProcessById<ProcessUtilsException>(
-        L"vorlek::ProcessUtils::TerminateApplicationById", SYNCHRONIZE, pid);
+    const FileHandle process =
+        OpenProcessById<ProcessUtilsException>(L"vorlek::ProcessUtils::TerminateApplicationById", SYNCHRONIZE, pid);
     EnumWindows(PostClose_, static_cast<LPARAM>(pid));
     return WaitForSingleObject(process.Get(), timeoutMs) == WAIT_OBJECT_0;
 }
@@ -158,8 +158,7 @@ bool ProcessUtils::IsWOW64Process(HANDLE process) {
 
 bool ProcessUtils::Is64Process(DWORD pid) {
     // This program is a 64-bit one, and so is the system under it.
-    const FileHandle process =
-        OpenProcessById<Exception>(L"vorlek::ProcessUtils::Is64Process", GetQueryAccess(), pid);
+    const FileHandle process = OpenProcessById<Exception>(L"vorlek::ProcessUtils::Is64Process", GetQueryAccess(), pid);
     return !IsWOW64Process(process.Get());
 }
 

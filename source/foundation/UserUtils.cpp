@@ -1,5 +1,6 @@
 #include "foundation/UserUtils.h"
 
+#include <utility>
 #include <vector>
 
 #include <sddl.h>
@@ -85,8 +86,11 @@ void GetSidInfo(const std::wstring& sidText, std::wstring& account, std::wstring
                            &use)) {
         RaiseLookupFailure_(GetLastError());
     }
-    account = accountText.c_str();
-    domain = domainText.c_str();
+    // The first call counts the terminators, the second does not.
+    accountText.resize(accountSize);
+    domainText.resize(domainSize);
+    account = std::move(accountText);
+    domain = std::move(domainText);
 }
 
 bool IsLocalUser(const std::wstring& sidText) {
@@ -105,8 +109,8 @@ bool IsLocalUser(const std::wstring& sidText) {
 bool IsAdministrator() {
     SID_IDENTIFIER_AUTHORITY authority = SECURITY_NT_AUTHORITY;
     PSID allocated = nullptr;
-    if (!AllocateAndInitializeSid(&authority, 2, SECURITY_BUILTIN_DOMAIN_RID, DOMAIN_ALIAS_RID_ADMINS, 0, 0, 0, 0, 0,
-                                  0, &allocated)) {
+    if (!AllocateAndInitializeSid(&authority, 2, SECURITY_BUILTIN_DOMAIN_RID, DOMAIN_ALIAS_RID_ADMINS, 0, 0, 0, 0, 0, 0,
+                                  &allocated)) {
         // The words name another call; others match them as they are.
         Throw(L"UserUtils::IsAdministrator", L"LookupPrivilegeValue failed with ", GetLastError());
     }

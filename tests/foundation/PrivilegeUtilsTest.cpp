@@ -96,17 +96,17 @@ TEST_P(PrivilegeUtilsByName, EnableAndDisableSwitchThatPrivilegeAlone) {
     EXPECT_EQ(before, EnabledInThread_());
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    All, PrivilegeUtilsByName,
-    testing::Values(Named{"Shutdown", L"SeShutdownPrivilege", PrivilegeUtils::EnableShutdownPrivilege,
-                          PrivilegeUtils::DisableShutdownPrivilege},
-                    Named{"Backup", L"SeBackupPrivilege", PrivilegeUtils::EnableBackupPrivilege,
-                          PrivilegeUtils::DisableBackupPrivilege},
-                    Named{"Restore", L"SeRestorePrivilege", PrivilegeUtils::EnableRestorePrivilege,
-                          PrivilegeUtils::DisableRestorePrivilege},
-                    Named{"Debug", L"SeDebugPrivilege", PrivilegeUtils::EnableDebugPrivilege,
-                          PrivilegeUtils::DisableDebugPrivilege}),
-    [](const testing::TestParamInfo<Named>& info) { return std::string(info.param.shortName); });
+INSTANTIATE_TEST_SUITE_P(All, PrivilegeUtilsByName,
+                         testing::Values(Named{"Shutdown", L"SeShutdownPrivilege",
+                                               PrivilegeUtils::EnableShutdownPrivilege,
+                                               PrivilegeUtils::DisableShutdownPrivilege},
+                                         Named{"Backup", L"SeBackupPrivilege", PrivilegeUtils::EnableBackupPrivilege,
+                                               PrivilegeUtils::DisableBackupPrivilege},
+                                         Named{"Restore", L"SeRestorePrivilege", PrivilegeUtils::EnableRestorePrivilege,
+                                               PrivilegeUtils::DisableRestorePrivilege},
+                                         Named{"Debug", L"SeDebugPrivilege", PrivilegeUtils::EnableDebugPrivilege,
+                                               PrivilegeUtils::DisableDebugPrivilege}),
+                         [](const testing::TestParamInfo<Named>& info) { return std::string(info.param.shortName); });
 
 TEST_F(PrivilegeUtilsTest, ChangesTheCallingThreadAndNotTheProcess) {
     const std::vector<std::wstring> before = EnabledInProcess_();

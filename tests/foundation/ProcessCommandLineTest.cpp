@@ -115,7 +115,8 @@ TEST(ProcessCommandLine, OfTheOwnProcessIsTheSystemsAnswer) {
 }
 
 TEST(ProcessCommandLine, OfAChildIsWhatItWasStartedWith) {
-    const ChildProcess child(L"StayAlive", L"two words, \\\"quoted\\\", \u041f\u0440\u0438\u0432\u0435\u0442 \u6771\u4eac \U0001F512");
+    const ChildProcess child(
+        L"StayAlive", L"two words, \\\"quoted\\\", \u041f\u0440\u0438\u0432\u0435\u0442 \u6771\u4eac \U0001F512");
     EXPECT_EQ(child.CommandLine(), ProcessUtils::GetProcessCommandLine(child.Id()));
     RevertToSelf();
 }

@@ -21,6 +21,11 @@ std::wstring QueryAccess_(const std::wstring& /*argument*/) {
     return std::to_wstring(vorlek::GetQueryAccess());
 }
 
+std::wstring Wait_(const std::wstring& /*argument*/) {
+    test_support::WaitToBeKilled();
+}
+
+const test_support::ChildRoleName wait(L"Wait", Wait_);
 const test_support::ChildRoleName queryAccess(L"QueryAccess", QueryAccess_);
 
 bool ThreadHoldsDebugPrivilege_() {
@@ -47,8 +52,8 @@ protected:
 } // namespace
 
 TEST_F(ProcessHandle, OpensTheProcessForWhatIsAsked) {
-    const FileHandle process =
-        vorlek::OpenProcessById<vorlek::Exception>(L"Somewhere", SYNCHRONIZE, GetCurrentProcessId());
+    const test_support::ChildProcess child(L"Wait");
+    const FileHandle process = vorlek::OpenProcessById<vorlek::Exception>(L"Somewhere", SYNCHRONIZE, child.Id());
     EXPECT_EQ(static_cast<DWORD>(WAIT_TIMEOUT), WaitForSingleObject(process.Get(), 0));
     EXPECT_FALSE(TerminateProcess(process.Get(), 1));
 }

@@ -72,8 +72,7 @@ TEST(SecUtils, KindThreeOpensToLowIntegrity) {
 TEST(SecUtils, KindThreeHasNoLabelBelowVista) {
     const test_support::ProgramOnXp program;
     const std::wstring result = test_support::ChildProcess(L"KindThree", L"", program.Path()).Result();
-    EXPECT_EQ(std::vector<BYTE>(result.begin(), result.end()),
-              SecurityBytes(L"D:(A;OICI;GA;;;WD)(A;OICI;GA;;;RC)"));
+    EXPECT_EQ(std::vector<BYTE>(result.begin(), result.end()), SecurityBytes(L"D:(A;OICI;GA;;;WD)(A;OICI;GA;;;RC)"));
 }
 
 TEST(SecUtils, NoKindInheritsHandles) {

@@ -43,7 +43,7 @@ std::wstring OwnSid_() {
     GetTokenInformation(token.Get(), TokenUser, data, sizeof(data), &size);
     wchar_t* text = nullptr;
     ConvertSidToStringSidW(reinterpret_cast<TOKEN_USER*>(data)->User.Sid, &text);
-    const std::wstring result = text;
+    std::wstring result = text;
     LocalFree(text);
     return result;
 }

@@ -20,7 +20,8 @@ void** FindSlot_(const char* name) {
         const auto* names = At_<IMAGE_THUNK_DATA64>(library->OriginalFirstThunk);
         for (std::size_t i = 0; names[i].u1.AddressOfData != 0; ++i) {
             if (!IMAGE_SNAP_BY_ORDINAL64(names[i].u1.Ordinal) &&
-                std::strcmp(At_<IMAGE_IMPORT_BY_NAME>(static_cast<DWORD>(names[i].u1.AddressOfData))->Name, name) == 0) {
+                std::strcmp(At_<IMAGE_IMPORT_BY_NAME>(static_cast<DWORD>(names[i].u1.AddressOfData))->Name, name) ==
+                    0) {
                 return At_<void*>(library->FirstThunk) + i;
             }
         }
