@@ -100,8 +100,7 @@ class RegistryInvalidKeyTypeException
 };
 
 namespace UserUtils {
-class TrustedRelationshipFailure
-    : public vorlek::NamedException<L"TrustedRelationshipFailure", vorlek::Exception> {
+class TrustedRelationshipFailure : public vorlek::NamedException<L"TrustedRelationshipFailure", vorlek::Exception> {
     using Named::Named;
 };
 } // namespace UserUtils

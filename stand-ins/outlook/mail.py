@@ -176,7 +176,7 @@ class Opener:
     def fail(self, part, where, what):
         boundary = part.get_boundary() if part.is_multipart() or part.get_content_maintype() == "multipart" else None
         line = line_of(self.data, boundary.encode("ascii", "replace")) if boundary else None
-        place = f"line {line}, boundary {boundary}" if line else f"part {where}, {part.get_content_type()}"
+        place = f"line {line}, boundary {boundary}" if line else f"section {where}, {part.get_content_type()}"
         name = part.get_filename()
         raise MailError(f"{place}{f' ({clean(name)})' if name else ''}: {what}")
 

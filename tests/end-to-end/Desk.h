@@ -39,7 +39,8 @@ protected:
     std::filesystem::path Item() { return Item(Json::object()); }
 
     /// Starts Outlook, lets it send the items, and answers every box that the add-in shows.
-    OutlookRun Send(const std::vector<std::filesystem::path>& items, std::vector<std::wstring> options = {L"-Embedding"});
+    OutlookRun Send(const std::vector<std::filesystem::path>& items,
+                    std::vector<std::wstring> options = {L"-Embedding"});
 
     std::vector<Json> Delivered() const;
     std::vector<Json> ItemsIn(const std::string& folder) const;

@@ -64,7 +64,8 @@ TEST_F(SendDecision, AgentThatDoesNotRunTellsTheUserOncePerSend) {
 }
 
 TEST_F(SendDecision, ExecutionModeZeroLetsTheMailPassUninspected) {
-    StartAgent({{"executionMode", {{"Email", 0}}}, {"rules", {{{"name", "never asked"}, {"then", {{"block", true}}}}}}});
+    StartAgent(
+        {{"executionMode", {{"Email", 0}}}, {"rules", {{{"name", "never asked"}, {"then", {{"block", true}}}}}}});
     ExpectSent(Send({Item()}));
     EXPECT_THAT(Documents(), IsEmpty());
     EXPECT_THAT(Log(), Contains("INFO Plugin disabled. Canceling Inspecting outbox folder."));
@@ -122,7 +123,8 @@ TEST_F(SendDecision, BodyLabelReplacesThePlainBody) {
 
 TEST_F(SendDecision, BodyLabelReplacesTheHtmlBody) {
     StartAgent(Rule({{"body", {{"before", "Internal"}}}}));
-    ExpectSent(Send({Item({{"body", ""}, {"htmlBody", "<html><body><p>Tuesday.</p></body></html>"}, {"bodyFormat", 2}})}));
+    ExpectSent(
+        Send({Item({{"body", ""}, {"htmlBody", "<html><body><p>Tuesday.</p></body></html>"}, {"bodyFormat", 2}})}));
     const std::string body = Delivered().at(0)["htmlBody"];
     EXPECT_THAT(body, HasSubstr("Internal"));
     EXPECT_THAT(body, HasSubstr("<p>Tuesday.</p>"));
@@ -130,8 +132,10 @@ TEST_F(SendDecision, BodyLabelReplacesTheHtmlBody) {
 }
 
 TEST_F(SendDecision, ReplacedAttachmentTakesThePlaceOfTheOldOne) {
-    StartAgent(Rule({{"replaceAttachments", {{"name", "salaries"}, {"text", "Removed."}, {"displayName", "notice.txt"}}}}));
-    ExpectSent(Send({Item({{"attachments", {Attachment("salaries.csv", "MSwyLDM="), Attachment("agenda.txt", "YWdlbmRh")}}})}));
+    StartAgent(
+        Rule({{"replaceAttachments", {{"name", "salaries"}, {"text", "Removed."}, {"displayName", "notice.txt"}}}}));
+    ExpectSent(Send(
+        {Item({{"attachments", {Attachment("salaries.csv", "MSwyLDM="), Attachment("agenda.txt", "YWdlbmRh")}}})}));
     const Json mail = Delivered().at(0);
     std::vector<std::string> names;
     for (const Json& attachment : mail["attachments"]) {
@@ -142,7 +146,8 @@ TEST_F(SendDecision, ReplacedAttachmentTakesThePlaceOfTheOldOne) {
 }
 
 TEST_F(SendDecision, OverrideThatOutlookRefusesStopsTheMail) {
-    StartAgent(Rule({{"replaceAttachments", {{"name", "salaries"}, {"text", "Removed."}, {"displayName", "notice.txt"}}}}));
+    StartAgent(
+        Rule({{"replaceAttachments", {{"name", "salaries"}, {"text", "Removed."}, {"displayName", "notice.txt"}}}}));
     const OutlookRun run = Send({Item({{"attachments", {Attachment("salaries.csv", "MSwyLDM=")}}})},
                                 {L"-Embedding", L"--fail", L"Attachments.Add=0x80070005"});
     ExpectStopped(run);
@@ -203,7 +208,8 @@ TEST_F(SendDecision, SpotLabelsAndSendsAsTheEmbeddedRoadDoes) {
 
 TEST_F(SendDecision, SpotStopsAMailWhoseAttachmentsCannotBeReplaced) {
     SetOnSpot(true);
-    StartAgent(Rule({{"replaceAttachments", {{"name", "salaries"}, {"text", "Removed."}, {"displayName", "notice.txt"}}}}));
+    StartAgent(
+        Rule({{"replaceAttachments", {{"name", "salaries"}, {"text", "Removed."}, {"displayName", "notice.txt"}}}}));
     ExpectStopped(Send({Item({{"attachments", {Attachment("salaries.csv", "MSwyLDM=")}}})},
                        {L"--fail", L"Attachments.Remove=0x80070005"}));
 }

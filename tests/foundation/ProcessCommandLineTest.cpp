@@ -49,6 +49,14 @@ std::wstring LoseCommandLine_(const std::wstring& /*argument*/) {
 
 const test_support::ChildRoleName loseCommandLine(L"LoseCommandLine", LoseCommandLine_);
 
+/// A child that runs: one that is still being made has a command line in parts only.
+class RunningChild : public ChildProcess {
+public:
+    explicit RunningChild(const std::wstring& argument = {}) : ChildProcess(L"StayAlive", argument) {
+        WaitUntilReady();
+    }
+};
+
 /// The access with which a command line is read.
 std::wstring CommandLineAccess_(const std::wstring& /*argument*/) {
     DWORD asked = 0;
@@ -115,14 +123,14 @@ TEST(ProcessCommandLine, OfTheOwnProcessIsTheSystemsAnswer) {
 }
 
 TEST(ProcessCommandLine, OfAChildIsWhatItWasStartedWith) {
-    const ChildProcess child(
-        L"StayAlive", L"two words, \\\"quoted\\\", \u041f\u0440\u0438\u0432\u0435\u0442 \u6771\u4eac \U0001F512");
+    const RunningChild child(
+        L"two words, \\\"quoted\\\", \u041f\u0440\u0438\u0432\u0435\u0442 \u6771\u4eac \U0001F512");
     EXPECT_EQ(child.CommandLine(), ProcessUtils::GetProcessCommandLine(child.Id()));
     RevertToSelf();
 }
 
 TEST(ProcessCommandLine, MayBeLong) {
-    const ChildProcess child(L"StayAlive", std::wstring(30000, L'\u044f'));
+    const RunningChild child(std::wstring(30000, L'\u044f'));
     EXPECT_EQ(child.CommandLine(), ProcessUtils::GetProcessCommandLine(child.Id()));
     RevertToSelf();
 }
@@ -172,7 +180,7 @@ TEST(ProcessCommandLine, OfTheOwnProcessTouchesNoPrivilege) {
 }
 
 TEST(ProcessCommandLine, OfAChildTakesTheDebugPrivilege) {
-    const ChildProcess child(L"StayAlive");
+    const RunningChild child;
     ReplacedImport<"LookupPrivilegeValueW", decltype(LookupPrivilegeValueW)> lookup(
         [&](const wchar_t* system, const wchar_t* name, LUID* privilege) {
             EXPECT_STREQ(L"SeDebugPrivilege", name);
@@ -184,7 +192,7 @@ TEST(ProcessCommandLine, OfAChildTakesTheDebugPrivilege) {
 }
 
 TEST(ProcessCommandLine, OfAChildIsReadWithoutThePrivilegeAsWell) {
-    const ChildProcess child(L"StayAlive");
+    const RunningChild child;
     const FailingImport<"AdjustTokenPrivileges", decltype(AdjustTokenPrivileges)> adjust(ERROR_ACCESS_DENIED);
     EXPECT_EQ(child.CommandLine(), ProcessUtils::GetProcessCommandLine(child.Id()));
     EXPECT_EQ(1, adjust.Calls());

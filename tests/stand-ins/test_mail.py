@@ -136,7 +136,7 @@ class RefuseTest(MailTest):
 
     def test_multipart_without_boundary(self):
         self.refused("open", self.HEAD + "Content-Type: multipart/mixed\n\nx\n",
-                     "part 1, multipart/mixed: a multipart that names no boundary")
+                     "section 1, multipart/mixed: a multipart that names no boundary")
 
     def test_multipart_whose_boundary_never_appears(self):
         self.refused("open", self.HEAD + "Content-Type: multipart/mixed; boundary=zz\n\nx\n",
@@ -149,13 +149,13 @@ class RefuseTest(MailTest):
     def test_base64_that_cannot_be_decoded(self):
         head = self.HEAD + "Content-Type: multipart/mixed; boundary=zz\n\n--zz\n\nx\n--zz\nContent-Type: image/png\n"
         head += "Content-Disposition: attachment; filename=a.png\nContent-Transfer-Encoding: base64\n\n"
-        where = "part 1.2, image/png (a.png): "
+        where = "section 1.2, image/png (a.png): "
         self.refused("open", head + "YW*!JjZA==\n--zz--\n", where + "base64 with characters that do not belong there")
         self.refused("open", head + "YWJjZ\n--zz--\n", where + "base64 that breaks off")
 
     def test_unknown_transfer_encoding(self):
         self.refused("open", self.HEAD + "Content-Transfer-Encoding: rot13\n\nx\n",
-                     "part 1, text/plain: the transfer encoding rot13 is not known")
+                     "section 1, text/plain: the transfer encoding rot13 is not known")
 
     def test_items_that_cannot_be_written(self):
         self.refused("write", "{", "line 1, column 2: Expecting property name enclosed in double quotes")

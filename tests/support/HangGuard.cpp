@@ -17,7 +17,8 @@ private:
 } // namespace
 
 HangGuard::HangGuard()
-    : progress_(CreateEventW(nullptr, FALSE, FALSE, nullptr)), finished_(CreateEventW(nullptr, TRUE, FALSE, nullptr)),
+    : progress_(CreateEventW(nullptr, FALSE, FALSE, nullptr)),
+      finished_(CreateEventW(nullptr, TRUE, FALSE, nullptr)),
       watcher_(CreateThread(nullptr, 0, Watch_, this, 0, nullptr)) {}
 
 HangGuard::~HangGuard() {
