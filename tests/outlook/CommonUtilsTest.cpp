@@ -9,6 +9,7 @@
 #include "foundation/RegistryKey.h"
 #include "tests/outlook/OutlookTest.h"
 #include "tests/support/MessageBox.h"
+#include "tests/support/ReplacedImport.h"
 
 namespace vorlek {
 namespace {
@@ -214,6 +215,21 @@ TEST_F(CommonUtilsTest, TheUserIsToldOnceThatMailStayedBehind) {
     const auto seen = boxes.get();
     ASSERT_EQ(seen.size(), 1u);
     EXPECT_EQ(seen.front().text, L"One message or more could not be sent.\nPlease check your Drafts folder");
+}
+
+TEST_F(CommonUtilsTest, TheWarningBelongsToNoWindowAndHasOneButton) {
+    HWND asked = GetDesktopWindow();
+    UINT look = 0;
+    const test_support::ReplacedImport<"MessageBoxW", decltype(MessageBoxW)> box(
+        [&](HWND owner, const wchar_t*, const wchar_t*, UINT style) {
+            asked = owner;
+            look = style;
+            return IDOK;
+        });
+    CommonUtils::ShowUnsentItemsWarning(logger);
+    EXPECT_EQ(box.Calls(), 1);
+    EXPECT_EQ(asked, nullptr);
+    EXPECT_EQ(look, 48u);
 }
 
 TEST_F(CommonUtilsTest, TemporaryPathsAreNewNamesInTheAddInsFolderWhichExists) {

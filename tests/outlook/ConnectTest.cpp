@@ -153,6 +153,15 @@ TEST_F(ConnectTest, FailureToAskForTheApplicationIsLoggedAndStillCountsAsLoaded)
     EXPECT_EQ(vorlek::GlobalConfig::GetOutlookApplication().GetInterfacePtr(), nullptr);
 }
 
+TEST_F(ConnectTest, ProfileWithoutADraftsFolderStillCountsAsLoaded) {
+    outlook->Failures().Answer(L"NameSpace.GetDefaultFolder", stand_ins::NoObject(), 2);
+    EXPECT_EQ(Connect(), S_OK);
+    EXPECT_EQ(Errors(),
+              (Texts{L"Failed to retrieve Drafts folder.", L"Caught a com exception: " + ErrorText(E_POINTER)}));
+    EXPECT_EQ(Infos(), (Texts{L"Outlook plug-in started to load...", L"Initializing OutlookController",
+                              L"Outlook plug-in was loaded"}));
+}
+
 TEST_F(ConnectTest, FailureToAdviseIsNotLookedAt) {
     outlook->Failures().Fail(L"Application.Advise", E_FAIL);
     EXPECT_EQ(Connect(), S_OK);

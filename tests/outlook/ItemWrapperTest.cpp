@@ -4,6 +4,7 @@
 #include "tests/outlook/OutlookTest.h"
 #include "tests/outlook/RedemptionClass.h"
 #include "tests/support/ExpectFailure.h"
+#include "tests/support/ReplacedImport.h"
 
 namespace vorlek {
 namespace {
@@ -147,7 +148,9 @@ TEST_F(ItemWrapperTest, ASaveThatFailsIsWarnedOfAndGoesNoFurther) {
     EXPECT_THAT(Warnings(), ElementsAre(L"COM exception: " + ErrorText(kAccessDenied) + L" item wasn't saved"));
 }
 
-TEST_F(ItemWrapperTest, AnItemInAWordWindowClosesThroughItsInspector) {
+TEST_F(ItemWrapperTest, AnItemInAWordWindowClosesThroughItsInspectorWithoutASearchForAWindow) {
+    const test_support::ReplacedImport<"FindWindowW", decltype(FindWindowW)> search(
+        [](const wchar_t*, const wchar_t*) { return HWND(); });
     const auto wrapper = WrapperOf({});
     wrapper->Display();
     outlook->Calls().Clear();
@@ -157,6 +160,7 @@ TEST_F(ItemWrapperTest, AnItemInAWordWindowClosesThroughItsInspector) {
     EXPECT_TRUE(outlook->Calls().Before(L"Inspector.IsWordMail", L"Inspector.Close"));
     EXPECT_EQ(outlook->Calls().Count(L"MailItem.Close"), 0u);
     EXPECT_EQ(outlook->Calls().All().back().ToString(), L"Inspector.Close(0)");
+    EXPECT_EQ(search.Calls(), 0);
     EXPECT_THAT(log.Texts(L"DEBUG"), ElementsAre(L"Close item was called"));
 }
 

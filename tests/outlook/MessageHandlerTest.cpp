@@ -37,6 +37,13 @@ public:
     using MessageHandler::MessageHandler;
 };
 
+/// A handler without a mail that has an ID all the same.
+class Mailless : public MessageHandler {
+public:
+    Mailless() : MessageHandler(nullptr) {}
+    std::wstring GetItemUniqueID() override { return L"ID-1"; }
+};
+
 class MessageHandlerTest : public OutlookTest {
 protected:
     std::unique_ptr<Labelled> LabelledOf(const ItemData& data) {
@@ -207,6 +214,17 @@ TEST_F(MessageHandlerTest, WithoutASessionNothingIsSent) {
     EXPECT_THAT(Errors(), ElementsAre(L"Failed to retrieve Outlook session."));
     EXPECT_EQ(outlook->Calls().Count(L"MailItem.Send"), 0u);
     EXPECT_FALSE(log.Has(L"INFO", L"- Send():still alive..sta=0"));
+}
+
+TEST_F(MessageHandlerTest, AHandlerWithoutAMailLeavesTheLedgerAndSendsNothing) {
+    CommonUtils::AddToInspectedItems(L"ID-1", L"ID-1", nullptr);
+    Mailless handler;
+    log.Clear();
+    outlook->Calls().Clear();
+    handler.Send();
+    EXPECT_THAT(Ledger(), IsEmpty());
+    EXPECT_THAT(Errors(), ElementsAre(L"message)Item_ is NULL"));
+    EXPECT_THAT(outlook->Calls().Members(), IsEmpty());
 }
 
 TEST_F(MessageHandlerTest, EveryFailureOfLeavingTheLedgerEndsTheSend) {

@@ -166,6 +166,20 @@ TEST_F(Outlook2007HelperTest, AnItemOfNoKindGivesNothingAndAWarningEach) {
     EXPECT_THAT(Errors(), IsEmpty());
 }
 
+TEST_F(Outlook2007HelperTest, AnItemThatCannotSayWhatItIsGivesNothingAndAnErrorLineEach) {
+    const auto mail = Mail(kThreeRecipients);
+    outlook->Failures().Fail(L"MailItem.QueryInterface _MailItem", kAccessDenied);
+    EXPECT_EQ(Outlook2007Helper::GetProperty(mail, L"any", logger).vt, VT_EMPTY);
+    EXPECT_EQ(Outlook2007Helper::GetItemSenderSMTP(mail, logger), L"");
+    EXPECT_THAT(Recipients(mail), IsEmpty());
+    EXPECT_THAT(Files(Attachments(mail)), IsEmpty());
+    const std::wstring denied = ErrorText(kAccessDenied);
+    EXPECT_THAT(Errors(), ElementsAre(L"COM exception while resolving property: " + denied,
+                                      L"Caught a com exception while resolving item sender (skipping): " + denied,
+                                      L"Caught a com exception while resolving item recipients (skipping): " + denied,
+                                      L"Caught a com exception while adding attachments (skipping): " + denied));
+}
+
 TEST_F(Outlook2007HelperTest, ANullItemGivesNothingAndAWarningEach) {
     EXPECT_EQ(Outlook2007Helper::GetItemSenderSMTP(nullptr, logger), L"");
     EXPECT_THAT(Recipients(nullptr), IsEmpty());
@@ -189,6 +203,18 @@ TEST_F(Outlook2007HelperTest, TheStepsOfARecipientAreLogged) {
                             L"cast to mail item succeeded", L"Item has numOfRecipients=1", L"Got recipient 1",
                             L"Got prop accessesor 1", L"Got property", L"Got address to@a.example",
                             L"Recipient [1] address=[to@a.example] recipientContextType=[EmailTo]"));
+}
+
+TEST_F(Outlook2007HelperTest, TheAddressOfARecipientIsThePropertyOfThatTag) {
+    Recipients(Mail({.recipients = {{.name = L"To", .address = L"to@a.example"}}}));
+    std::vector<std::wstring> asked;
+    for (const auto& call : outlook->Calls().All()) {
+        if (stand_ins::IsMember(call.member, L"PropertyAccessor.GetProperty")) {
+            asked.push_back(call.ToString());
+        }
+    }
+    EXPECT_THAT(asked, ElementsAre(L"PropertyAccessor.GetProperty("
+                                   L"\"http://schemas.microsoft.com/mapi/proptag/0x39FE001E\")"));
 }
 
 TEST_F(Outlook2007HelperTest, RecipientsAreAskedForByLongNumbersFromOne) {
@@ -389,6 +415,18 @@ TEST_F(Outlook2007HelperTest, AMeetingOrTaskRequestThatLeadsNowhereHasNoSender) 
     EXPECT_EQ(Outlook2007Helper::GetItemSenderSMTP(static_cast<IDispatch*>(meeting.GetInterfacePtr()), logger), L"");
     EXPECT_EQ(Outlook2007Helper::GetItemSenderSMTP(static_cast<IDispatch*>(request.GetInterfacePtr()), logger), L"");
     EXPECT_THAT(Warnings(), ElementsAre(L"Could not get associated appointment", L"Could not get associated task"));
+}
+
+TEST_F(Outlook2007HelperTest, ATaskRequestHasRecipientsOnlyIfItAnswersForATaskToo) {
+    const Outlook::_MailItemPtr mail = Mail(kThreeRecipients);
+    const auto request = test_support::ScriptedObject::Create();
+    request->Answers(__uuidof(Outlook::_TaskRequestItem))
+        .Value(L"Recipients", static_cast<IDispatch*>(mail->GetRecipients().GetInterfacePtr()));
+    EXPECT_THAT(Recipients(static_cast<IDispatch*>(request.GetInterfacePtr())), IsEmpty());
+    EXPECT_THAT(Warnings(), ElementsAre(L"Could not get recipients"));
+    request->Answers(__uuidof(Outlook::_TaskItem));
+    EXPECT_THAT(Recipients(static_cast<IDispatch*>(request.GetInterfacePtr())), SizeIs(6));
+    EXPECT_TRUE(log.Has(L"DEBUG", L"cast to task item succeeded"));
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "agent/apps/outlook/OutlookController.h"
 
+#include <future>
+
 #include "agent/apps/outlook/CommonUtils.h"
 #include "agent/apps/outlook/GlobalConfig.h"
 #include "foundation/RegistryKey.h"
@@ -206,7 +208,8 @@ TEST_F(OutlookControllerTest, AMailThatTheAddInSendsItselfPassesOnce) {
     EXPECT_FALSE(InspectItem(mail));
     EXPECT_THAT(Methods(agent), ElementsAre(L"GetExecutionMode"));
     EXPECT_TRUE(log.Has(L"INFO", L"InspectItemBeforeSending:success on async sentbyplugin.returning false"));
-    EXPECT_FALSE(peer.IsSentByPlugin(std::shared_ptr<ItemHandler>(HandlerOf(kMail))));
+    EXPECT_FALSE(peer.IsSentByPlugin(std::make_shared<MessageHandler>(Outlook::_MailItemPtr(mail.GetInterfacePtr()))));
+    EXPECT_TRUE(log.Has(L"INFO", L"Item should be inspected - wasn't sent by the plugin"));
 }
 
 TEST_F(OutlookControllerTest, InspectionBesideTheEventSaysThatItIsNotThere) {
@@ -240,6 +243,26 @@ TEST_F(OutlookControllerTest, AnItemThatCannotSayWhatItIsPassesWithAnErrorLine) 
     outlook->Failures().Fail(L"MailItem.QueryInterface", E_FAIL);
     EXPECT_FALSE(Inspect());
     EXPECT_THAT(Errors(), ElementsAre(L"InspectItemBeforeSending:COM error= " + ErrorText(E_FAIL)));
+}
+
+TEST_F(OutlookControllerTest, EveryWayOutLetsGoOfTheItem) {
+    const auto mail = outlook->NewMail(kMail);
+    const auto references = [&] {
+        mail->AddRef();
+        return mail->Release();
+    };
+    const ULONG before = references();
+    EXPECT_THROW(InspectItem(mail), PluginUtils::PluginManagerConnectionException);
+    EXPECT_EQ(references(), before);
+    stand_ins::Agent agent;
+    EXPECT_FALSE(InspectItem(mail)); // allowed
+    EXPECT_EQ(references(), before);
+    agent.SetPolicy(stand_ins::Policy::Block());
+    EXPECT_TRUE(InspectItem(mail));
+    EXPECT_EQ(references(), before);
+    outlook->Failures().Fail(L"MailItem.BodyFormat", kAccessDenied);
+    EXPECT_FALSE(InspectItem(mail));
+    EXPECT_EQ(references(), before);
 }
 
 TEST_F(OutlookControllerTest, BeforeOutlook2007TheMailIsSavedBeforeAnyOtherTest) {
@@ -292,6 +315,26 @@ TEST_F(OutlookControllerTest, WithoutAWindowOfThatCaptionOutlookIsEmbedded) {
     SetWindowTextW(outlook->ExplorerWindow(), L"Another title");
     EXPECT_TRUE(peer.IsEmbedded());
     EXPECT_EQ(OutlookControllerPeer::FoundWindow(), nullptr);
+}
+
+TEST_F(OutlookControllerTest, AWindowOfAnotherThreadIsNotTheExplorers) {
+    peer.SetEmbedded(false);
+    SetWindowTextW(outlook->ExplorerWindow(), L"Another title");
+    std::promise<HWND> shown;
+    auto thread = std::async(std::launch::async, [&] {
+        const HWND window = CreateWindowExW(0, L"STATIC", outlook->Caption().c_str(), WS_OVERLAPPED, 0, 0, 0, 0,
+                                            nullptr, nullptr, nullptr, nullptr);
+        shown.set_value(window);
+        MSG message;
+        while (window != nullptr && GetMessageW(&message, nullptr, 0, 0) > 0) { // which answers who asks for the title
+        }
+        DestroyWindow(window);
+    });
+    const HWND window = shown.get_future().get();
+    ASSERT_NE(window, nullptr);
+    EXPECT_TRUE(peer.IsEmbedded());
+    EXPECT_EQ(OutlookControllerPeer::FoundWindow(), nullptr);
+    PostThreadMessageW(GetWindowThreadProcessId(window, nullptr), WM_QUIT, 0, 0);
 }
 
 TEST_F(OutlookControllerTest, AWindowOnceFoundIsKeptWhateverItsTitle) {
@@ -391,6 +434,13 @@ TEST_F(OutlookControllerTest, AVersionThatIsKnownIsNotReadAgain) {
     peer.SetApplication(nullptr);
     EXPECT_EQ(peer.InitOutlookVersion(), -1);
     EXPECT_EQ(GlobalConfig::GetOutlookMajorVersion(), -1);
+}
+
+TEST_F(OutlookControllerTest, AStartInAProcessThatKnowsTheVersionDoesNotAskForIt) {
+    outlook->Calls().Clear();
+    controller.InitApplication(App());
+    EXPECT_EQ(outlook->Calls().Count(L"Application.Session"), 1u);
+    EXPECT_EQ(outlook->Calls().Count(L"Application.Version"), 0u);
 }
 
 TEST_F(OutlookControllerTest, WithoutASessionTheFoldersStayUnknownWithoutAWord) {

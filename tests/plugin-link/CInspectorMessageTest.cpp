@@ -75,6 +75,16 @@ TEST(InspectorMessage, LeavesOutAnEmptyTextFormat) {
               Whole(L"<context /><dataItem><dataEncoding>text</dataEncoding><data>Plans</data></dataItem>"));
 }
 
+TEST(InspectorMessage, WritesAnEmptyTextAsAnItemWithoutData) {
+    CInspectorMessage message(L"Email");
+    message.AddContextItem(L"EmailSubject", L"");
+    message.AddTextItemToBody(L"", {{L"ItemType", L"EmailSubject"}}, L"clearText");
+    EXPECT_EQ(message.GetFormattedMessage(),
+              Whole(L"<context><item name=\"EmailSubject\" value=\"\" /></context>"
+                    L"<dataItem><contextItem name=\"ItemType\" value=\"EmailSubject\" />"
+                    L"<textFormat>clearText</textFormat><dataEncoding>text</dataEncoding><data></data></dataItem>"));
+}
+
 TEST(InspectorMessage, WritesFilesAndFoldersByPath) {
     CInspectorMessage message(L"Email");
     message.AddFileItemToBody(L"C:\\a.cip", {{L"DataLocation", L"b.docx"}, {L"Another", L"1"}}, false);

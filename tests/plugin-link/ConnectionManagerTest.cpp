@@ -8,6 +8,7 @@
 #include "plugin-link/Exceptions.h"
 #include "stand-ins/agent/Agent.h"
 #include "tests/plugin-link/FailingXml.h"
+#include "tests/plugin-link/SocketPair.h"
 #include "tests/plugin-link/Throws.h"
 #include "tests/support/LogCapture.h"
 
@@ -106,6 +107,7 @@ TEST(ConnectionManager, CallsThePlugInAndMethodOfEachOperationWithItsArgument) {
         EXPECT_EQ(requests[0].plugin, operation->plugin);
         EXPECT_EQ(requests[0].method, operation->method);
         EXPECT_EQ(requests[0].param, kParam);
+        EXPECT_EQ(requests[0].raw.find(plugin_link_tests::Bytes(L"hidden=\"1\"")), std::string::npos);
     }
 }
 

@@ -4,7 +4,9 @@
 
 #include <gmock/gmock.h>
 
+#include "foundation/Exception.h"
 #include "platform/Windows.h"
+#include "tests/support/FailingLog.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/TemporaryFolder.h"
 
@@ -95,6 +97,26 @@ TEST(InspectionDecision, KeepsTheVerdictWhenASubjectHasNoValue) {
     EXPECT_THAT(log.Texts(L"ERROR")[0], testing::StartsWith(L"Error parsing inspection message result: "));
 }
 
+TEST(InspectionDecision, StopsAtABodyWithoutAPathAndKeepsTheSubjectBefore) {
+    const LogCapture log;
+    const InspectionDecision decision(Answer(L"<EmailSubject value=\"label\" /><EmailBody /><EmailAttachments>" +
+                                             Attachment(L"C:\\none\\a", L"a") + L"</EmailAttachments>"));
+    EXPECT_EQ(decision.GetResult(), 1);
+    EXPECT_EQ(decision.GetSubjectLabel(), L"label");
+    EXPECT_EQ(decision.GetBodyLabelPath(), L"");
+    EXPECT_THAT(decision.GetAttachments(), IsEmpty());
+    ASSERT_EQ(log.Texts(L"ERROR").size(), 1U);
+    EXPECT_THAT(log.Texts(L"ERROR")[0], testing::StartsWith(L"Error parsing inspection message result: "));
+}
+
+TEST(InspectionDecision, StopsAtAnAttachmentWithoutAPath) {
+    const InspectionDecision decision(Answer(L"<EmailAttachments>" + Attachment(L"C:\\none\\a", L"first") +
+                                             L"<Attachment displayName=\"second\" />" +
+                                             Attachment(L"C:\\none\\c", L"third") + L"</EmailAttachments>"));
+    EXPECT_THAT(decision.GetAttachments(), ElementsAre(Pair(L"C:\\none\\a", L"first")));
+    EXPECT_EQ(decision.GetResult(), 1);
+}
+
 TEST(InspectionDecision, StopsAtAnAttachmentWithoutANameAndKeepsThoseBefore) {
     const InspectionDecision decision(Answer(L"<EmailAttachments>" + Attachment(L"C:\\none\\a", L"first") +
                                              L"<Attachment path=\"C:\\none\\b\" />" +
@@ -136,6 +158,19 @@ TEST(InspectionDecision, BlocksWhenItCannotBeRead) {
         EXPECT_THAT(log.Texts(L"ERROR")[0], testing::StartsWith(L"Error parsing inspection message result: "));
         EXPECT_GT(log.Texts(L"ERROR")[0].size(), std::wstring(L"Error parsing inspection message result: ").size());
     }
+}
+
+TEST(InspectionDecision, BlocksAndSaysSoAtTheHighestLevelWhenReadingFailsInAnotherWay) {
+    const LogCapture log;
+    const test_support::FailingLog failing(L"Inspection decision B: <decision result=\"1\" />", [] {
+        throw vorlek::IOException(L"Disk.cpp", 7, L"vorlek::Disk::Read", L"broken");
+    });
+    const InspectionDecision decision(std::wstring(L"<decision result=\"1\" />"));
+    EXPECT_EQ(decision.GetResult(), InspectionDecision::kBlock);
+    EXPECT_FALSE(decision.HasModifications());
+    EXPECT_THAT(log.Texts(L"ERROR"), IsEmpty());
+    EXPECT_THAT(log.Texts(L"FATAL"), ElementsAre(L"Error parsing inspection message result. Disk.cpp(7): "
+                                                 L"vorlek::Disk::Read: IOException: broken"));
 }
 
 TEST(InspectionDecision, TakesItsFilesAlong) {
