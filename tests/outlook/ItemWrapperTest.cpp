@@ -309,7 +309,7 @@ TEST_F(ItemWrapperTest, ThroughRedemptionAllAttachmentsAreClearedAtOnceAndTheIte
         return [&calls, name](const test_support::ScriptedCall& call, VARIANT*, EXCEPINFO*) {
             std::wstring line = name;
             for (const auto& argument : call.arguments) {
-                line += L" " + platform::ToWide(platform::ToText(argument));
+                line += L" " + platform::ToWide(platform::ToText(_variant_t(argument)));
             }
             calls.push_back(line);
             return S_OK;

@@ -358,7 +358,7 @@ TEST_F(MessageHandlerTest, ARichTextMailIsExportedByRedemptionWithoutHeaders) {
     const Export body(*HandlerOf({.body = L"Plans", .rtfBody = "{\\rtf1 Plans}", .bodyFormat = 3}));
     EXPECT_EQ(body.Extension(), L"rtf");
     ASSERT_THAT(redemption.calls, SizeIs(1));
-    EXPECT_EQ(platform::ToWide(platform::ToText(redemption.calls[0].arguments.at(0))), body.path);
+    EXPECT_EQ(platform::ToWide(platform::ToText(_variant_t(redemption.calls[0].arguments.at(0)))), body.path);
     EXPECT_EQ(redemption.calls[0].arguments.at(1).vt, VT_INT);
     EXPECT_EQ(redemption.calls[0].arguments.at(1).intVal, 1026);
 }
@@ -389,7 +389,7 @@ TEST_F(MessageHandlerTest, AnHtmlBodyIsReplacedWhole) {
     handler->LabelBody(File(L"body.html", std::string(reinterpret_cast<const char*>(html.data()), 2 * html.size())));
     EXPECT_EQ(outlook->Calls().Count(L"MailItem.HTMLBody put"), 1u);
     EXPECT_EQ(outlook->Calls().Count(L"MailItem.Body put"), 0u);
-    EXPECT_EQ(platform::ToWide(platform::ToText(outlook->Calls().All().back().arguments.at(0))), html);
+    EXPECT_EQ(platform::ToWide(platform::ToText(_variant_t(outlook->Calls().All().back().arguments.at(0)))), html);
     EXPECT_THAT(log.Texts(L"INFO"), ElementsAre(L"Item is an HTML message"));
     EXPECT_TRUE(log.Has(L"DEBUG", L"ExportBody (message) after using message object.length=29"));
 }
@@ -400,7 +400,7 @@ TEST_F(MessageHandlerTest, ARichTextBodyIsImportedByRedemption) {
     handler->LabelBody(L"C:\\label.rtf");
     EXPECT_THAT(log.Texts(L"INFO"), ElementsAre(L"Item is a rich text message - importing via Redemption"));
     ASSERT_THAT(redemption.calls, SizeIs(1));
-    EXPECT_EQ(platform::ToWide(platform::ToText(redemption.calls[0].arguments.at(0))), L"C:\\label.rtf");
+    EXPECT_EQ(platform::ToWide(platform::ToText(_variant_t(redemption.calls[0].arguments.at(0)))), L"C:\\label.rtf");
     EXPECT_EQ(redemption.calls[0].arguments.at(1).vt, VT_INT);
     EXPECT_EQ(redemption.calls[0].arguments.at(1).intVal, 1);
 }

@@ -69,7 +69,7 @@ TEST_F(Outlook2007HelperTest, APropertyIsReadByItsNameWhateverItsType) {
     const auto mail = Mail({.properties = {{0x1000001F, L"text"}}});
     const auto property =
         Outlook2007Helper::GetProperty(mail, L"http://schemas.microsoft.com/mapi/proptag/0x1000001F", logger);
-    EXPECT_EQ(platform::ToWide(platform::ToText(property)), L"text");
+    EXPECT_EQ(platform::ToWide(platform::ToText(_variant_t(property))), L"text");
     EXPECT_THAT(log.Texts(L"DEBUG"),
                 ElementsAre(L"Cast to mail item succeeded", L"Successfully acquired property accessor"));
 }

@@ -78,9 +78,9 @@ _variant_t InvokeByName(IDispatch& object, const wchar_t* member, WORD kind, con
         if (const HRESULT copied = VariantCopyInd(&own, &value); FAILED(copied)) {
             _com_issue_error(copied);
         }
-        return own;
+        value.Attach(own);
     }
-    return value;
+    return value; // the one variable that is returned: a body is not copied on its way out
 }
 
 _variant_t Missing() {
@@ -91,7 +91,7 @@ std::wstring ToWide(const _bstr_t& text) {
     return text.length() == 0 ? std::wstring() : std::wstring(static_cast<const wchar_t*>(text), text.length());
 }
 
-_bstr_t ToText(_variant_t value) {
+_bstr_t ToText(_variant_t&& value) {
     if (value.vt != VT_BSTR) {
         value.ChangeType(VT_BSTR);
     }

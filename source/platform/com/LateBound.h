@@ -25,7 +25,7 @@ _variant_t Missing();
 std::wstring ToWide(const _bstr_t& text);
 
 /// Moves the string out of a variant; other types are converted. Raises _com_error where they cannot be.
-_bstr_t ToText(_variant_t value);
+_bstr_t ToText(_variant_t&& value);
 
 /// A variant as the type that a member promises. Raises _com_error where it cannot be converted; an
 /// object that lacks the interface of a smart pointer gives a null one.

@@ -34,7 +34,7 @@ BorderPhrases Phrases_(const wchar_t* words, const wchar_t* unknown) {
 }
 
 std::wstring MakeTemporaryFolder_() {
-    const std::wstring folder = PathUtils::Combine(EnvUtils::GetVariable(L"temp"), L"CITemp");
+    std::wstring folder = PathUtils::Combine(EnvUtils::GetVariable(L"temp"), L"CITemp");
     if (!CommonUtils::DirectoryExists(folder)) {
         CommonUtils::MakeDirectory(folder);
     }

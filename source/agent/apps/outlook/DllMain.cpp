@@ -21,7 +21,7 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, LPVOID reserved
         StartLog_(instance);
         ATL::_AtlBaseModule.m_hInst = instance;
     } else if (reason == DLL_PROCESS_DETACH && reserved == nullptr) {
-        vorlek::GlobalConfig::SetOutlookApplication(nullptr);
+        vorlek::GlobalConfig::SetOutlookApplication(Outlook::_ApplicationPtr());
     }
     return _AtlModule.DllMain(reason, reserved);
 }
