@@ -1,0 +1,62 @@
+"""The demo as a person runs it: what it prints of each mail, and what it leaves in the files that it names."""
+import email
+import email.policy
+import os
+import subprocess
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parents[2]
+
+
+class Demo(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.out = Path(folder.name) / "demo"
+
+    def run_demo(self, *mails):
+        return subprocess.run([sys.executable, ROOT / "scripts/demo", *map(str, mails)], text=True,
+                              capture_output=True, env={**os.environ, "DEMO_OUT": str(self.out)})
+
+    def delivered(self, name):
+        return email.message_from_bytes((self.out / "delivered" / name).read_bytes(), policy=email.policy.default)
+
+    def test_every_mail_of_the_demo_meets_its_fate(self):
+        run = self.run_demo()
+        self.assertEqual(run.returncode, 0, run.stdout + run.stderr)
+        outcomes = [line for line in run.stdout.splitlines() if line.startswith("    outcome: ")]
+        self.assertEqual(len(outcomes), len(list((ROOT / "demo/mails").glob("*.eml"))))
+        self.assertEqual([line for line in outcomes if not line.startswith("    outcome: sent")],
+                         ["    outcome: stopped by the add-in: saved in Drafts, its window is open"])
+
+        labelled = self.delivered("08-confidential.eml")
+        self.assertEqual(labelled["Subject"], "[Confidential] Confidential: results of the second trial")
+        self.assertIn("CONFIDENTIAL: for the people named above only.", labelled.get_body(("html",)).get_content())
+
+        replaced = {part.get_filename(): part.get_content() for part in
+                    self.delivered("09-price-list.eml").iter_attachments()}
+        self.assertEqual(set(replaced), {"price-list.csv was removed.txt", "terms-of-delivery.txt"})
+        self.assertIn("was taken out of the mail", replaced["price-list.csv was removed.txt"])
+
+        for part, wanted in (("From", "Ольга"), ("Subject", "Договор")):
+            self.assertIn(wanted, str(self.delivered("04-cyrillic-koi8-r.eml")[part]))
+        self.assertFalse((self.out / "delivered/07-card-number.eml").exists())
+        self.assertEqual(len(list((self.out / "inspections").glob("*-inspector.xml"))), len(outcomes))
+        self.assertIn("Message should be blocked!", (self.out / "add-in.log").read_text("utf-8"))
+
+    def test_a_file_that_is_no_mail_gets_one_line_and_leaves_nothing(self):
+        with tempfile.TemporaryDirectory() as folder:
+            bad = Path(folder) / "bad.eml"
+            bad.write_text("no header stands here")
+            run = self.run_demo(ROOT / "demo/mails/01-plain.eml", bad)
+        self.assertEqual(run.returncode, 1)
+        self.assertEqual(run.stderr, f"mail.py: {bad}: line 1: no header stands there, so this is no mail\n")
+        self.assertEqual(run.stdout, "")
+        self.assertFalse(self.out.exists())
+
+
+if __name__ == "__main__":
+    unittest.main()
