@@ -13,6 +13,7 @@ namespace vorlek::MessageCommon {
 namespace {
 
 constexpr std::wstring_view kDelimiter = L"###@@@###";
+constexpr std::wstring_view kHash = L"&#35;";
 constexpr std::size_t kReceiveChunk = 4096;
 
 LoggerHolder logger_;
@@ -21,6 +22,22 @@ std::vector<BYTE> ToBytes_(std::wstring_view text) {
     std::vector<BYTE> bytes(text.size() * sizeof(wchar_t));
     std::memcpy(bytes.data(), text.data(), bytes.size());
     return bytes;
+}
+
+/// A delimiter inside a value would end the message there, and with it the inspection: the writer of a mail could
+/// switch it off. Written with a character reference it is the same value to every reader of XML.
+std::wstring HideDelimiters_(std::wstring text) {
+    std::size_t at = text.find(kDelimiter);
+    if (at == std::wstring::npos) {
+        return text;
+    }
+    std::wstring hidden;
+    std::size_t copied = 0;
+    for (; at != std::wstring::npos; at = text.find(kDelimiter, at + 1)) {
+        hidden.append(text, copied, at - copied).append(kHash);
+        copied = at + 1;
+    }
+    return hidden.append(text, copied);
 }
 
 void Append_(std::wstring& text, const std::vector<BYTE>& bytes) {
@@ -59,7 +76,7 @@ std::wstring ReceiveText_(const Socket& socket) {
 void Send(const Socket& socket, const Message& message) {
     InitLogger(logger_, __FILE__, true);
     LOG_TRACE(logger_, L"Sending to: " << socket.Get() << L", message: " << message.ToLogString());
-    TCPCommon::Send(socket, ToBytes_(message.ToString().append(kDelimiter)));
+    TCPCommon::Send(socket, ToBytes_(HideDelimiters_(message.ToString()).append(kDelimiter)));
 }
 
 void Receive(const Socket& socket, std::vector<std::unique_ptr<Message>>& messages) {

@@ -108,6 +108,10 @@ std::wstring Escape(std::wstring_view text) {
         case L'"':
             escaped += L"&quot;";
             break;
+        // So that no value looks like the end of its message.
+        case L'#':
+            escaped += L"&#35;";
+            break;
         // A reader turns a bare one into a line feed.
         case L'\r':
             escaped += L"&#xD;";

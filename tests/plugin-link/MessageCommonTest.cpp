@@ -67,6 +67,18 @@ TEST(MessageCommon, SendsTheTextInUtf16WithTheDelimiterBehindIt) {
     EXPECT_TRUE(bytes.ends_with(std::string("\x23\0\x23\0\x23\0\x40\0\x40\0\x40\0\x23\0\x23\0\x23\0", 18)));
 }
 
+TEST(MessageCommon, ADelimiterInsideAValueDoesNotEndTheMessage) {
+    for (const std::wstring value : {L"###@@@###", L"a ###@@@###@@@### b", L"####@@@####", L"###@@@######@@@###"}) {
+        SocketPair pair;
+        Message sent(MessageType::Response, 1);
+        sent.Set(L"Result", value, false);
+        MessageCommon::Send(pair.far_, sent);
+        Messages received;
+        MessageCommon::Receive(pair.near_, received);
+        EXPECT_EQ(Results(received), std::vector{value});
+    }
+}
+
 TEST(MessageCommon, SendsAMessageInOneCall) {
     SocketPair pair;
     const SystemCalls calls;

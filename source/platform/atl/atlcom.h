@@ -74,7 +74,7 @@ template <class Base>
 class CComObject final : public Base {
 public:
     CComObject() noexcept(false) { _pAtlModule->Lock(); }
-    ~CComObject() { _pAtlModule->Unlock(); }
+    ~CComObject() override { _pAtlModule->Unlock(); }
 
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID iid, void** result) override {
         return this->_InternalQueryInterface(iid, result);

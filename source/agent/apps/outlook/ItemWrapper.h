@@ -25,12 +25,12 @@ Pointer CreateRedemptionObject(const wchar_t* progId, const wchar_t* noClass, co
     CLSID classId;
     if (FAILED(CLSIDFromProgID(progId, &classId))) {
         LOG_ERROR(logger, noClass);
-        return nullptr;
+        return {};
     }
     Pointer object;
     if (FAILED(object.CreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER))) {
         LOG_ERROR(logger, noInstance);
-        return nullptr;
+        return {};
     }
     return object;
 }

@@ -1,7 +1,6 @@
 #include "agent/apps/outlook/MessageHandler.h"
 
 #include <exception>
-#include <utility>
 
 #include "agent/apps/outlook/CommonUtils.h"
 
@@ -15,7 +14,7 @@ constexpr int kImportRtf = 1;
 
 LoggerHolder MessageHandler::logger_;
 
-MessageHandler::MessageHandler(Outlook::_MailItemPtr item) : ItemWrapper(std::move(item)) {
+MessageHandler::MessageHandler(Outlook::_MailItemPtr item) : ItemWrapper(item) {
     InitLogger(logger_, "vorlek::MessageHandler::MessageHandler", false);
 }
 
@@ -254,7 +253,7 @@ bool MessageHandler::OverrideItemAttachments(const InspectionDecision::Attachmen
 }
 
 ItemHandler* MessageHandler::CreateSameKind(Outlook::_MailItemPtr item) {
-    return new MessageHandler(std::move(item));
+    return new MessageHandler(item);
 }
 
 } // namespace vorlek

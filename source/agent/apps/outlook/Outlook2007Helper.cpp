@@ -29,7 +29,7 @@ Outlook::RecipientsPtr GetRecipients_(const IDispatchPtr& item, const log4cxx::L
         LOG_DEBUG(logger, L"cast to task item succeeded");
         return task->GetRecipients();
     }
-    return nullptr;
+    return {};
 }
 
 Outlook::AttachmentsPtr GetAttachments_(const IDispatchPtr& item, const log4cxx::LoggerPtr& logger) {
@@ -46,7 +46,7 @@ Outlook::AttachmentsPtr GetAttachments_(const IDispatchPtr& item, const log4cxx:
         LOG_DEBUG(logger, L"cast to task request item succeeded.");
         return request->GetAttachments();
     }
-    return nullptr;
+    return {};
 }
 
 Outlook::_PropertyAccessorPtr GetPropertyAccessor_(const IDispatchPtr& item, const log4cxx::LoggerPtr& logger) {
@@ -62,7 +62,7 @@ Outlook::_PropertyAccessorPtr GetPropertyAccessor_(const IDispatchPtr& item, con
         LOG_DEBUG(logger, L"Cast to task request item succeeded");
         return request->GetPropertyAccessor();
     }
-    return nullptr;
+    return {};
 }
 
 Outlook::_AccountPtr GetAccount_(const IDispatchPtr& item, const log4cxx::LoggerPtr& logger) {
@@ -76,7 +76,7 @@ Outlook::_AccountPtr GetAccount_(const IDispatchPtr& item, const log4cxx::Logger
         const Outlook::_AppointmentItemPtr appointment = meeting->GetAssociatedAppointment(false);
         if (!appointment) {
             LOG_WARN(logger, L"Could not get associated appointment");
-            return nullptr;
+            return {};
         }
         LOG_DEBUG(logger, L"acquired related appointment");
         return appointment->GetSendUsingAccount();
@@ -86,13 +86,13 @@ Outlook::_AccountPtr GetAccount_(const IDispatchPtr& item, const log4cxx::Logger
         const Outlook::_TaskItemPtr task = request->GetAssociatedTask(false);
         if (!task) {
             LOG_WARN(logger, L"Could not get associated task");
-            return nullptr;
+            return {};
         }
         LOG_DEBUG(logger, L"acquired related task item");
         return task->GetSendUsingAccount();
     }
     LOG_WARN(logger, L"Could not get account");
-    return nullptr;
+    return {};
 }
 
 /// The context key of a recipient's type, null for a type that has none.
