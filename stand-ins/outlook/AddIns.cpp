@@ -63,7 +63,7 @@ AddInPtr Connect(const std::wstring& progId, IDispatch* application, std::wstrin
                               L"CoCreateInstance") &&
                         check(addIn->OnConnection(application, ext_cm_Startup, nullptr, &custom), L"OnConnection");
     SafeArrayDestroy(custom);
-    return loaded ? addIn : nullptr;
+    return loaded ? addIn : AddInPtr();
 }
 
 double Milliseconds() {

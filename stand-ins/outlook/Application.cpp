@@ -12,12 +12,12 @@ namespace stand_ins {
 namespace {
 
 DispatchPtr ActiveExplorer(Application& self) {
-    return self.Owner().options.explorer == ExplorerState::Missing ? nullptr : Make<Explorer>(self.SharedOwner());
+    return self.Owner().options.explorer == ExplorerState::Missing ? DispatchPtr() : Make<Explorer>(self.SharedOwner());
 }
 
 DispatchPtr ActiveInspector(Application& self) {
     const auto& inspectors = self.Owner().Inspectors();
-    return inspectors.empty() ? nullptr : Make<Inspector>(self.SharedOwner(), inspectors.back());
+    return inspectors.empty() ? DispatchPtr() : Make<Inspector>(self.SharedOwner(), inspectors.back());
 }
 
 DispatchPtr CreateItem(Application& self, long kind) {

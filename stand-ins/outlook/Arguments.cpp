@@ -52,7 +52,7 @@ bool Arguments::Truth(size_t index) const {
 DispatchPtr Arguments::Object(size_t index) const {
     const _variant_t& value = Value(index);
     if (value.vt == VT_EMPTY || value.vt == VT_NULL) {
-        return nullptr;
+        return {};
     }
     return As_(index, VT_DISPATCH).pdispVal;
 }

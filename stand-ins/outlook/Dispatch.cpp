@@ -69,7 +69,7 @@ bool GetBool(IDispatch* object, const wchar_t* member) {
 
 DispatchPtr GetObject(IDispatch* object, const wchar_t* member, const std::vector<_variant_t>& arguments) {
     const _variant_t value = Get(object, member, arguments);
-    return value.vt == VT_DISPATCH ? DispatchPtr(value.pdispVal) : nullptr;
+    return value.vt == VT_DISPATCH ? DispatchPtr(value.pdispVal) : DispatchPtr();
 }
 
 } // namespace stand_ins

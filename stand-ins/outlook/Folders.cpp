@@ -27,7 +27,7 @@ Folders::Folders(std::shared_ptr<Session> session, const FolderPath& parent)
 
 DispatchPtr Folders::At(long index) {
     return index >= 1 && index <= Count() ? Make<Folder>(SharedOwner(), folders_[static_cast<size_t>(index - 1)])
-                                          : nullptr;
+                                          : DispatchPtr();
 }
 
 DispatchPtr Folders::Item(const Arguments& arguments) {

@@ -23,7 +23,7 @@ std::wstring Names(const ItemRecord& record, long type) {
 
 _variant_t AccountOf(Item& item) {
     const ItemData& data = item.Alive().data;
-    return ObjectValue(data.hasAccount ? Make<Account>(item.SharedOwner(), data.account) : nullptr);
+    return ObjectValue(data.hasAccount ? Make<Account>(item.SharedOwner(), data.account) : DispatchPtr());
 }
 
 void SetAccount(Item& item, const DispatchPtr& account) {

@@ -8,7 +8,7 @@ namespace stand_ins {
 namespace {
 
 DispatchPtr EntryOf(Recipient& self) {
-    return self.Alive().resolved ? Make<AddressEntry>(self.SharedOwner(), self.Record(), self.Data()) : nullptr;
+    return self.Alive().resolved ? Make<AddressEntry>(self.SharedOwner(), self.Record(), self.Data()) : DispatchPtr();
 }
 
 const Class& RecipientClass() {

@@ -47,11 +47,11 @@ void Session::End() {
 
 Session::RecordPtr Session::Open(const FolderPath& folder, const std::wstring& entryId) {
     if (const auto known = open_.find(entryId); known != open_.end()) {
-        if (const RecordPtr record = known->second.lock()) {
+        if (RecordPtr record = known->second.lock()) {
             return record;
         }
     }
-    const auto record = std::make_shared<ItemRecord>(store.Read(folder, entryId), folder);
+    auto record = std::make_shared<ItemRecord>(store.Read(folder, entryId), folder);
     Remember_(record);
     return record;
 }
@@ -198,7 +198,8 @@ void Session::OpenInspector(const RecordPtr& record) {
 }
 
 void Session::CloseInspector(const RecordPtr& record) {
-    const RecordPtr held = record; // the argument may be the entry that goes
+    const RecordPtr held =
+        record; // NOLINT(performance-unnecessary-copy-initialization): the argument may be the entry that goes
     std::erase(inspectors_, held);
 }
 

@@ -125,7 +125,7 @@ fs::path Desk::Item(const Json& fields) {
                  {"account", "anna@example.com"},
                  {"recipients", {{{"name", "Ben"}, {"address", "ben@example.com"}, {"type", 1}}}}};
     item.update(fields);
-    const fs::path path = folder_ / ("item-" + std::to_string(++items_) + ".json");
+    fs::path path = folder_ / ("item-" + std::to_string(++items_) + ".json");
     std::ofstream(path) << item;
     return path;
 }
@@ -133,7 +133,7 @@ fs::path Desk::Item(const Json& fields) {
 OutlookRun Desk::Send(const std::vector<fs::path>& items, std::vector<std::wstring> options) {
     std::vector<std::wstring> arguments = {L"--profile", (folder_ / "profile").wstring()};
     arguments.insert(arguments.end(), options.begin(), options.end());
-    arguments.push_back(L"--send");
+    arguments.emplace_back(L"--send");
     for (const fs::path& item : items) {
         arguments.push_back(item.wstring());
     }

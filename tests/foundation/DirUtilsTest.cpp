@@ -27,7 +27,7 @@ namespace {
 std::vector<std::wstring> Names_(const std::wstring& path) {
     std::vector<std::wstring> names;
     for (const WIN32_FIND_DATAW& item : DirUtils::GetDirectoryItems(path)) {
-        names.push_back(item.cFileName);
+        names.emplace_back(item.cFileName);
     }
     std::ranges::sort(names);
     return names;
@@ -43,7 +43,7 @@ std::wstring Security_(const std::wstring& path) {
     wchar_t* text = nullptr;
     EXPECT_TRUE(ConvertSecurityDescriptorToStringSecurityDescriptorW(descriptor, SDDL_REVISION_1,
                                                                      DACL_SECURITY_INFORMATION, &text, nullptr));
-    const std::wstring result = text;
+    std::wstring result = text;
     LocalFree(text);
     LocalFree(descriptor);
     return result;

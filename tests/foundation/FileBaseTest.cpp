@@ -12,7 +12,6 @@ using test_support::WriteBytes;
 using vorlek::Exception;
 using vorlek::File;
 using vorlek::FileAlreadyExist;
-using vorlek::FileBase;
 using vorlek::FileNotFoundException;
 
 namespace {

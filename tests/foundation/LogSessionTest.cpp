@@ -126,7 +126,7 @@ const test_support::ChildRoleName runSample(L"RunSample", RunSample_);
 std::wstring CopyOfProgram_(const TemporaryFolder& folder, const std::wstring& name) {
     wchar_t own[MAX_PATH];
     GetModuleFileNameW(nullptr, own, MAX_PATH);
-    const std::wstring copy = folder / name;
+    std::wstring copy = folder / name;
     CopyFileW(own, copy.c_str(), TRUE);
     return copy;
 }

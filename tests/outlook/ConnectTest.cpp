@@ -31,7 +31,7 @@ _COM_SMARTPTR_TYPEDEF(_IDTExtensibility2, __uuidof(_IDTExtensibility2));
 class ConnectTest : public OutlookTest {
 protected:
     ConnectTest() {
-        vorlek::GlobalConfig::SetOutlookApplication(nullptr);
+        vorlek::GlobalConfig::SetOutlookApplication({});
         EXPECT_EQ(ATL::CComCreator<ATL::CComObject<vorlek::CConnect>>::CreateInstance(
                       nullptr, __uuidof(_IDTExtensibility2), reinterpret_cast<void**>(&addIn)),
                   S_OK);

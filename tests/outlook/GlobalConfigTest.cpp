@@ -49,7 +49,7 @@ TEST_F(GlobalConfigTest, VersionWithLettersIsZeroAndNotBefore2007) {
 }
 
 TEST_F(GlobalConfigTest, ApplicationIsHeldUntilItIsReplaced) {
-    GlobalConfig::SetOutlookApplication(nullptr);
+    GlobalConfig::SetOutlookApplication({});
     EXPECT_EQ(GlobalConfig::GetOutlookApplication().GetInterfacePtr(), nullptr);
 
     const Outlook::_ApplicationPtr application(outlook->Application().GetInterfacePtr());
@@ -64,7 +64,7 @@ TEST_F(GlobalConfigTest, ApplicationIsHeldUntilItIsReplaced) {
     EXPECT_EQ(references(), before + 1);
     GlobalConfig::SetOutlookApplication(application);
     EXPECT_EQ(references(), before + 1);
-    GlobalConfig::SetOutlookApplication(nullptr);
+    GlobalConfig::SetOutlookApplication({});
     EXPECT_EQ(references(), before);
 }
 

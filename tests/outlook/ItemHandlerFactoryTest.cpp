@@ -22,7 +22,7 @@ protected:
 };
 
 TEST_F(ItemHandlerFactoryTest, ANullItemGivesANullHandlerAndAWarning) {
-    EXPECT_EQ(Create(nullptr), nullptr);
+    EXPECT_EQ(Create({}), nullptr);
     EXPECT_THAT(log.Texts(L"DEBUG"), ElementsAre(L"Trying to create an item wrapper..."));
     EXPECT_THAT(Warnings(), ElementsAre(L"Null was passed to CreateItemHandler"));
 }

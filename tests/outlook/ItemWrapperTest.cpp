@@ -422,12 +422,12 @@ TEST_F(ItemWrapperTest, EveryFailureOfTheViewIsReportedAndNull) {
 }
 
 TEST_F(ItemWrapperTest, ANullObjectAnswersNoInterface) {
-    EXPECT_FALSE(AnswersInterface(nullptr, IID_IDispatch));
+    EXPECT_FALSE(AnswersInterface({}, IID_IDispatch));
     EXPECT_TRUE(AnswersInterface(IDispatchPtr(outlook->Application().GetInterfacePtr()), IID_IDispatch));
 }
 
 TEST_F(ItemWrapperTest, AHandlerWithoutAnItemRaises) {
-    Wrapper wrapper(nullptr);
+    Wrapper wrapper(Outlook::_MailItemPtr{});
     try {
         wrapper.GetSubject();
         FAIL() << "Nothing was raised";

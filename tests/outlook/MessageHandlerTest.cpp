@@ -40,7 +40,7 @@ public:
 /// A handler without a mail that has an ID all the same.
 class Mailless : public MessageHandler {
 public:
-    Mailless() : MessageHandler(nullptr) {}
+    Mailless() : MessageHandler(Outlook::_MailItemPtr()) {}
     std::wstring GetItemUniqueID() override { return L"ID-1"; }
 };
 
@@ -364,7 +364,7 @@ TEST_F(MessageHandlerTest, ARichTextMailIsExportedByRedemptionWithoutHeaders) {
 }
 
 TEST_F(MessageHandlerTest, AHandlerWithoutAMailExportsNothing) {
-    MessageHandler handler(nullptr);
+    MessageHandler handler(Outlook::_MailItemPtr{});
     log.Clear();
     const Export body(handler);
     EXPECT_EQ(body.path, L"");
@@ -423,7 +423,7 @@ TEST_F(MessageHandlerTest, ABodyOfUnknownFormatIsLeftAlone) {
 }
 
 TEST_F(MessageHandlerTest, WithoutAMailNothingIsLabelled) {
-    Labelled handler(nullptr);
+    Labelled handler(Outlook::_MailItemPtr{});
     log.Clear();
     handler.LabelBody(L"C:\\nowhere");
     EXPECT_THAT(Errors(), ElementsAre(L"Item_ is NULL not labelling"));
@@ -470,7 +470,7 @@ TEST_F(MessageHandlerTest, ReplacingAttachmentsIsTrueWhenTheyStand) {
 TEST_F(MessageHandlerTest, OnlyAMailIsAMail) {
     EXPECT_TRUE(MessageHandler::QueryType(outlook->NewMail({}).GetInterfacePtr()));
     EXPECT_FALSE(MessageHandler::QueryType(outlook->NewPost({}).GetInterfacePtr()));
-    EXPECT_FALSE(MessageHandler::QueryType(nullptr));
+    EXPECT_FALSE(MessageHandler::QueryType({}));
 }
 
 } // namespace

@@ -75,7 +75,7 @@ TEST_F(Outlook2007HelperTest, APropertyIsReadByItsNameWhateverItsType) {
 }
 
 TEST_F(Outlook2007HelperTest, APropertyOfNoItemIsEmptyWithAWarning) {
-    EXPECT_EQ(Outlook2007Helper::GetProperty(nullptr, L"any", logger).vt, VT_EMPTY);
+    EXPECT_EQ(Outlook2007Helper::GetProperty({}, L"any", logger).vt, VT_EMPTY);
     EXPECT_EQ(Outlook2007Helper::GetProperty(Post(), L"any", logger).vt, VT_EMPTY);
     EXPECT_THAT(Warnings(), ElementsAre(L"NULL item was passed", L"Failed to get property accessor for item"));
     EXPECT_THAT(Errors(), IsEmpty());
@@ -181,9 +181,9 @@ TEST_F(Outlook2007HelperTest, AnItemThatCannotSayWhatItIsGivesNothingAndAnErrorL
 }
 
 TEST_F(Outlook2007HelperTest, ANullItemGivesNothingAndAWarningEach) {
-    EXPECT_EQ(Outlook2007Helper::GetItemSenderSMTP(nullptr, logger), L"");
-    EXPECT_THAT(Recipients(nullptr), IsEmpty());
-    EXPECT_THAT(Files(Attachments(nullptr)), IsEmpty());
+    EXPECT_EQ(Outlook2007Helper::GetItemSenderSMTP({}, logger), L"");
+    EXPECT_THAT(Recipients({}), IsEmpty());
+    EXPECT_THAT(Files(Attachments({})), IsEmpty());
     EXPECT_THAT(Warnings(), ElementsAre(L"Null was passed", L"Null was passed", L"Null was passed"));
 }
 

@@ -34,7 +34,7 @@ private:
     _com_ptr_t<_com_IIID<IErrorInfo, &IID_IErrorInfo>> MakeErrorInformation_() const {
         _com_ptr_t<_com_IIID<ICreateErrorInfo, &IID_ICreateErrorInfo>> information;
         if (FAILED(CreateErrorInfo(&information))) {
-            return nullptr;
+            return {};
         }
         information->SetSource(info_.bstrSource);
         information->SetDescription(info_.bstrDescription);
