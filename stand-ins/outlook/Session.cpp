@@ -198,8 +198,8 @@ void Session::OpenInspector(const RecordPtr& record) {
 }
 
 void Session::CloseInspector(const RecordPtr& record) {
-    const RecordPtr held =
-        record; // NOLINT(performance-unnecessary-copy-initialization): the argument may be the entry that goes
+    // The argument may be the entry that goes. NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
+    const RecordPtr held = record;
     std::erase(inspectors_, held);
 }
 

@@ -20,7 +20,6 @@ using test_support::ScriptedObject;
 using test_support::ScriptedObjectPtr;
 using testing::Contains;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 /// A mail's handler with the inner operations of every item in reach.
 class Wrapper : public MessageHandler {

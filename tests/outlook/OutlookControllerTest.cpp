@@ -105,7 +105,7 @@ TEST_F(OutlookControllerTest, AnItemOfAnotherKindPasses) {
     const stand_ins::Agent agent;
     EXPECT_FALSE(InspectItem(outlook->NewPost({.subject = L"Posted"})));
     EXPECT_TRUE(log.Has(L"INFO", L"Unsupported item was passed -> allowing to send the item"));
-    EXPECT_FALSE(InspectItem(nullptr));
+    EXPECT_FALSE(InspectItem({}));
     EXPECT_TRUE(log.Has(L"INFO", L"Unsupported item was passed -> allowing to send the item"));
     EXPECT_THAT(Methods(agent), ElementsAre(L"GetExecutionMode", L"GetExecutionMode"));
 }
@@ -275,7 +275,7 @@ TEST_F(OutlookControllerTest, BeforeOutlook2007TheMailIsSavedBeforeAnyOtherTest)
 
 TEST_F(OutlookControllerTest, WithoutAnApplicationOutlookIsNotEmbedded) {
     peer.SetEmbedded(false);
-    peer.SetApplication(nullptr);
+    peer.SetApplication({});
     EXPECT_FALSE(peer.IsEmbedded());
     EXPECT_THAT(log.Texts(L"DEBUG"), ElementsAre(L"outlookApp_ == NULL"));
 }
@@ -431,7 +431,7 @@ TEST_F(OutlookControllerTest, AVersionThatIsKnownIsNotReadAgain) {
     EXPECT_EQ(peer.InitOutlookVersion(), -1); // what was held before
     EXPECT_EQ(GlobalConfig::GetOutlookMajorVersion(), 16);
     SetVersion(L"-1.");
-    peer.SetApplication(nullptr);
+    peer.SetApplication({});
     EXPECT_EQ(peer.InitOutlookVersion(), -1);
     EXPECT_EQ(GlobalConfig::GetOutlookMajorVersion(), -1);
 }
@@ -463,7 +463,7 @@ HRESULT StartFailure(OutlookController& controller, const Outlook::_ApplicationP
 }
 
 TEST_F(OutlookControllerTest, WithoutAnApplicationTheStartRaises) {
-    EXPECT_EQ(StartFailure(controller, nullptr), E_POINTER);
+    EXPECT_EQ(StartFailure(controller, Outlook::_ApplicationPtr()), E_POINTER);
 }
 
 TEST_F(OutlookControllerTest, WithoutAnOutboxTheStartRaisesAfterAnErrorLine) {

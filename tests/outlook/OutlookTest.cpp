@@ -48,13 +48,13 @@ OutlookTest::OutlookTest() {
 }
 
 OutlookTest::~OutlookTest() {
-    vorlek::GlobalConfig::SetOutlookApplication(nullptr);
+    vorlek::GlobalConfig::SetOutlookApplication({});
     SetVersion(L"-1."); // not known, as at the start of a process
     RegistryKey::GetCurrentUser().DeleteSubKeyTree(kPluginKey);
 }
 
 void OutlookTest::Restart(stand_ins::OutlookOptions options) {
-    vorlek::GlobalConfig::SetOutlookApplication(nullptr);
+    vorlek::GlobalConfig::SetOutlookApplication({});
     outlook.reset();
     options.profile = folder.Path() / L"profile";
     outlook = std::make_unique<stand_ins::Outlook>(options);

@@ -40,7 +40,7 @@ public:
     }
 
     static HRESULT UpdateRegistry(BOOL enroll) noexcept {
-        registrations.push_back(enroll ? "+Thing" : "-Thing");
+        registrations.emplace_back(enroll ? "+Thing" : "-Thing");
         registrationLocale = GetThreadLocale();
         return registrationResult;
     }
@@ -62,7 +62,7 @@ public:
     using _CreatorClass = ATL::CComCreator<ATL::CComObject<Other>>;
 
     static HRESULT UpdateRegistry(BOOL enroll) noexcept {
-        registrations.push_back(enroll ? "+Other" : "-Other");
+        registrations.emplace_back(enroll ? "+Other" : "-Other");
         return S_OK;
     }
 };

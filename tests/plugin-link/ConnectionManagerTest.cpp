@@ -17,7 +17,6 @@ namespace {
 using plugin_link_tests::Thrown;
 using stand_ins::Agent;
 using stand_ins::Answer;
-using stand_ins::Misbehaviour;
 using testing::ElementsAre;
 using vorlek::CInspectorMessage;
 using vorlek::PluginUtils::CConnectionManager;

@@ -28,7 +28,7 @@ std::wstring Attachment(const std::filesystem::path& path, const std::wstring& n
 }
 
 std::filesystem::path NewFile(const TemporaryFolder& folder, const std::wstring& name) {
-    const auto path = folder / name;
+    auto path = folder / name;
     test_support::WriteBytes(path, "content");
     return path;
 }

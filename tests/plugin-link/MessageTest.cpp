@@ -183,7 +183,7 @@ TEST(Message, ReadsWhatIsNoNumberAsNull) {
     std::int32_t number = 5;
     message->Get(L"a", number);
     EXPECT_EQ(number, 0);
-    EXPECT_EQ(message->ToLogString().find(L"*"), std::wstring::npos);
+    EXPECT_EQ(message->ToLogString().find(L'*'), std::wstring::npos);
 }
 
 TEST(Message, TakesAMissingHiddenForFalse) {

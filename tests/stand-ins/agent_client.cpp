@@ -146,7 +146,7 @@ OwnFolder::~OwnFolder() {
 }
 
 std::wstring OwnFolder::Write(const std::wstring& name, std::string_view bytes) const {
-    const std::wstring path = path_ + L"\\" + name;
+    std::wstring path = path_ + L"\\" + name;
     agent::WriteWholeFile(path, bytes);
     return path;
 }

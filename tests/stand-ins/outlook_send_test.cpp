@@ -162,7 +162,7 @@ TEST_F(OutlookSend, EventComesBeforeTheSubmission) {
 
 TEST_F(OutlookSend, WhatIsNoItemIsRefused) {
     EXPECT_THROW(outlook_.Send(outlook_.Application()), std::invalid_argument);
-    EXPECT_THROW(outlook_.Send(nullptr), std::invalid_argument);
+    EXPECT_THROW(outlook_.Send({}), std::invalid_argument);
 }
 
 TEST_F(OutlookSend, RaisedEventAnswersWithCancel) {

@@ -15,7 +15,7 @@ std::vector<BYTE> SecurityBytes(const std::wstring& text) {
     if (!ConvertStringSecurityDescriptorToSecurityDescriptorW(text.c_str(), SDDL_REVISION_1, &descriptor, nullptr)) {
         throw std::runtime_error("no descriptor: " + std::to_string(GetLastError()));
     }
-    const std::vector<BYTE> bytes = SecurityBytes(descriptor);
+    std::vector<BYTE> bytes = SecurityBytes(descriptor);
     LocalFree(descriptor);
     return bytes;
 }
