@@ -28,7 +28,7 @@ void operator delete(void* block, std::size_t) noexcept {
 
 namespace {
 
-/// Off, so that a statement of level Error is disabled too.
+/// The one logger of the benchmark, at the level.
 const vorlek::LoggerHolder& Logger_(const log4cxx::LevelPtr& level) {
     static vorlek::LoggerHolder holder;
     if (!holder.Get()) {
