@@ -14,6 +14,7 @@ imported_library(log4cxx
     SYSTEM ws2_32 mswsock rpcrt4 iphlpapi advapi32 shell32)
 imported_library(tinyxml ARCHIVES libtinyxml.a DEFINITIONS TIXML_USE_STL)
 imported_library(xmllite ARCHIVES libxmllite.a)
+imported_library(benchmark ARCHIVES libbenchmark.a DEFINITIONS BENCHMARK_STATIC_DEFINE SYSTEM shlwapi)
 
 # Header-only, from Debian; a folder of its own so that no header of the build machine slips in.
 add_library(nlohmann_json INTERFACE IMPORTED)
