@@ -1,6 +1,7 @@
 // The DLL comes and goes in a process that lives on.
 #include "platform/Windows.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
@@ -24,9 +25,13 @@ constexpr int kRounds = 50;
 constexpr int kThreads = 4;
 constexpr int kLinesPerThread = 10;
 
+/// The open handles, probed one by one: Wine's GetProcessHandleCount does not count.
 DWORD Handles_() {
     DWORD count = 0;
-    GetProcessHandleCount(GetCurrentProcess(), &count);
+    for (std::uintptr_t value = 4; value < 0x4000; value += 4) {
+        DWORD flags = 0;
+        count += GetHandleInformation(reinterpret_cast<HANDLE>(value), &flags) ? 1U : 0U;
+    }
     return count;
 }
 
