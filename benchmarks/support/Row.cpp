@@ -57,12 +57,12 @@ void RowReporter::ReportRuns(const std::vector<Run>& runs) {
 }
 
 void RowReporter::Finalize() {
-    std::printf("%-48s %14s %14s %14s %7s  %s\n", "median, ns", "operation", "floor", "difference", "ratio", "goal");
+    std::printf("%-53s %14s %14s %14s %7s  %s\n", "median, ns", "operation", "floor", "difference", "ratio", "goal");
     for (const auto& [name, goal] : Lines_()) {
         const auto operation = Medians_().find(name);
         const auto floor = Medians_().find(name + kFloor);
         if (operation != Medians_().end() && floor != Medians_().end()) {
-            std::printf("%-48s %14.1f %14.1f %14.1f %7.2f  %s\n", name.c_str(), operation->second, floor->second,
+            std::printf("%-53s %14.1f %14.1f %14.1f %7.2f  %s\n", name.c_str(), operation->second, floor->second,
                         operation->second - floor->second, operation->second / floor->second, goal.c_str());
         }
     }
