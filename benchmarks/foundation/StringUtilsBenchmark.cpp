@@ -33,11 +33,11 @@ void ToUtf8_(benchmark::State& state) {
 
 void WideCharToMultiByte_(benchmark::State& state) {
     const std::wstring& wide = Wide_();
-    std::string utf8(Utf8_().size(), '\0');
     for (auto turn : state) {
+        std::string utf8(Utf8_().size(), '\0');
         WideCharToMultiByte(CP_UTF8, 0, wide.data(), static_cast<int>(wide.size()), utf8.data(),
                             static_cast<int>(utf8.size()), nullptr, nullptr);
-        benchmark::ClobberMemory();
+        benchmark::DoNotOptimize(utf8.data());
     }
 }
 
@@ -50,11 +50,11 @@ void FromUtf8_(benchmark::State& state) {
 
 void MultiByteToWideChar_(benchmark::State& state) {
     const std::string& utf8 = Utf8_();
-    std::wstring wide(Wide_().size(), L'\0');
     for (auto turn : state) {
+        std::wstring wide(Wide_().size(), L'\0');
         MultiByteToWideChar(CP_UTF8, 0, utf8.data(), static_cast<int>(utf8.size()), wide.data(),
                             static_cast<int>(wide.size()));
-        benchmark::ClobberMemory();
+        benchmark::DoNotOptimize(wide.data());
     }
 }
 

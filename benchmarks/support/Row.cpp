@@ -9,7 +9,6 @@ namespace {
 
 constexpr int kRepetitions = 9;
 constexpr double kSecondsPerRepetition = 0.05;
-constexpr double kNanosecondsPerSecond = 1e9;
 const std::string kFloor = " (floor)";
 
 struct Line {
@@ -52,18 +51,18 @@ void RowReporter::ReportRuns(const std::vector<Run>& runs) {
         if (run.error_occurred) {
             std::printf("%s: %s\n", run.run_name.function_name.c_str(), run.error_message.c_str());
         } else if (run.aggregate_name == "median") {
-            Medians_()[run.run_name.function_name] = run.real_accumulated_time * kNanosecondsPerSecond;
+            Medians_()[run.run_name.function_name] = run.GetAdjustedRealTime();
         }
     }
 }
 
 void RowReporter::Finalize() {
-    std::printf("%-44s %14s %14s %14s %7s  %s\n", "median, ns", "operation", "floor", "difference", "ratio", "goal");
+    std::printf("%-53s %14s %14s %14s %7s  %s\n", "median, ns", "operation", "floor", "difference", "ratio", "goal");
     for (const auto& [name, goal] : Lines_()) {
         const auto operation = Medians_().find(name);
         const auto floor = Medians_().find(name + kFloor);
         if (operation != Medians_().end() && floor != Medians_().end()) {
-            std::printf("%-44s %14.1f %14.1f %14.1f %7.2f  %s\n", name.c_str(), operation->second, floor->second,
+            std::printf("%-53s %14.1f %14.1f %14.1f %7.2f  %s\n", name.c_str(), operation->second, floor->second,
                         operation->second - floor->second, operation->second / floor->second, goal.c_str());
         }
     }

@@ -1,10 +1,5 @@
-#include "benchmarks/support/Row.h"
+#include "benchmarks/support/Run.h"
 
 int main(int argc, char** argv) {
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-        return 1;
-    }
-    benchmark_support::RowReporter reporter;
-    benchmark::RunSpecifiedBenchmarks(&reporter);
+    return benchmark_support::Run(argc, argv);
 }

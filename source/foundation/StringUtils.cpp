@@ -28,12 +28,13 @@ void Widen_(std::string_view narrow, std::wstring& wide, UINT codePage, ThrowSit
         Throw(site, L"Invalid size!");
     }
     const int length = static_cast<int>(narrow.size());
-    const int size = MultiByteToWideChar(codePage, 0, narrow.data(), length, nullptr, 0);
+    std::wstring text(narrow.size(), L'\0'); // no code page makes more characters than it has bytes
+    const int size = MultiByteToWideChar(codePage, 0, narrow.data(), length, text.data(), length);
     if (size <= 0) {
         Throw(site, L"Invalid size!");
     }
-    wide.resize(static_cast<std::size_t>(size));
-    MultiByteToWideChar(codePage, 0, narrow.data(), length, wide.data(), size);
+    text.resize(static_cast<std::size_t>(size));
+    wide = std::move(text);
 }
 
 template <class T>

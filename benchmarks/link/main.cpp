@@ -1,0 +1,16 @@
+#include <string>
+
+#include <log4cxx/level.h>
+#include <log4cxx/logger.h>
+
+#include "benchmarks/link/Peer.h"
+#include "benchmarks/support/Run.h"
+
+int main(int argc, char** argv) {
+    if (argc == 3 && std::string(argv[1]) == "--peer") {
+        link_benchmarks::ServeAsPeer(std::stoul(argv[2]));
+    }
+    // As on a desk without a log configuration.
+    log4cxx::Logger::getRootLogger()->setLevel(log4cxx::Level::getOff());
+    return benchmark_support::Run(argc, argv);
+}
