@@ -1,5 +1,9 @@
 #include "foundation/EnvUtils.h"
 
+#include "platform/Windows.h"
+
+#include <versionhelpers.h>
+
 #include "foundation/Exception.h"
 #include "foundation/FileUtils.h"
 #include "foundation/PathUtils.h"
@@ -22,12 +26,6 @@ std::wstring ReadShellFolder_(const RegistryKey& root, const wchar_t* name) {
     return path;
 }
 
-/// 100 for each major version: 500 is Windows 2000, 600 Windows Vista.
-DWORD GetSystemVersion_() {
-    const DWORD version = GetVersion();
-    return LOBYTE(LOWORD(version)) * 100u + HIBYTE(LOWORD(version));
-}
-
 } // namespace
 
 std::wstring EnvUtils::GetVariable(const std::wstring& name) {
@@ -45,8 +43,8 @@ std::wstring EnvUtils::GetTempDirectory() {
 }
 
 std::wstring EnvUtils::GetLocalLowTempDirectory() {
-    if (GetSystemVersion_() < 500) {
-        return GetTempDirectory();
+    if (!IsWindowsVistaOrGreater()) {
+        return GetTempDirectory(); // integrity levels, and a folder for the lowest, came with Vista
     }
     std::wstring path = ReadShellFolder_(RegistryKey::GetCurrentUser(), kLocalLow);
     if (!vorlek::FileUtils::Exists(path)) {

@@ -6,17 +6,10 @@
 
 namespace vorlek {
 
-FileBase::FileBase(const std::wstring& path, DWORD access, DWORD shareMode, DWORD creationDisposition, DWORD attributes,
-                   bool overlapped)
-    : path_(path) {
-    handle_ = CreateFileW(PathUtils::FixLongPath(path).c_str(), access, shareMode, nullptr, creationDisposition,
-                          overlapped ? attributes | FILE_FLAG_OVERLAPPED : attributes, nullptr);
-    if (!handle_.IsValid()) {
-        RaiseCreateFailure_(path, GetLastError());
-    }
-}
+namespace {
 
-void FileBase::RaiseCreateFailure_(const std::wstring& path, DWORD error) {
+/// What stands for an error of CreateFileW.
+[[noreturn]] void RaiseCreateFailure_(const std::wstring& path, DWORD error) {
     switch (error) {
     case ERROR_FILE_NOT_FOUND:
         Throw<FileNotFoundException>(L"vorlek::FileBase::FileBase", L"CreateFile on \"", path,
@@ -29,6 +22,18 @@ void FileBase::RaiseCreateFailure_(const std::wstring& path, DWORD error) {
                                 L"\" failed with: ERROR_ALREADY_EXISTS");
     default:
         Throw(L"vorlek::FileBase::FileBase", L"CreateFile on \"", path, L"\" failed with: ", error);
+    }
+}
+
+} // namespace
+
+FileBase::FileBase(const std::wstring& path, DWORD access, DWORD shareMode, DWORD creationDisposition, DWORD attributes,
+                   bool overlapped)
+    : path_(path) {
+    handle_ = CreateFileW(PathUtils::FixLongPath(path).c_str(), access, shareMode, nullptr, creationDisposition,
+                          overlapped ? attributes | FILE_FLAG_OVERLAPPED : attributes, nullptr);
+    if (!handle_.IsValid()) {
+        RaiseCreateFailure_(path, GetLastError());
     }
 }
 

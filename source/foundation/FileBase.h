@@ -30,9 +30,6 @@ protected:
     FileBase(const std::wstring& path, DWORD access, DWORD shareMode, DWORD creationDisposition, DWORD attributes,
              bool overlapped);
 
-    /// Raises what stands for an error of CreateFileW.
-    [[noreturn]] static void RaiseCreateFailure_(const std::wstring& path, DWORD error);
-
     std::wstring path_; // as given
     FileHandle handle_;
 };

@@ -8,25 +8,27 @@
 
 namespace vorlek {
 
+namespace {
+
+/// Returns the system's error. A file that is not there counts as deleted.
+DWORD Delete_(const std::wstring& path) {
+    const DWORD error = DeleteFileW(path.c_str()) ? ERROR_SUCCESS : GetLastError();
+    return error == ERROR_FILE_NOT_FOUND || error == ERROR_PATH_NOT_FOUND ? ERROR_SUCCESS : error;
+}
+
+} // namespace
+
 void RemoveFileFrom(ThrowSite site, const std::wstring& path) {
     const std::wstring fixed = PathUtils::FixLongPath(path);
-    if (DeleteFileW(fixed.c_str())) {
-        return;
-    }
-    switch (const DWORD error = GetLastError()) {
-    case ERROR_FILE_NOT_FOUND:
-    case ERROR_PATH_NOT_FOUND:
-        return;
-    case ERROR_ACCESS_DENIED: {
-        const DWORD attributes = GetFileAttributesW(fixed.c_str());
-        if (attributes == INVALID_FILE_ATTRIBUTES ||
-            !SetFileAttributesW(fixed.c_str(), attributes & ~static_cast<DWORD>(FILE_ATTRIBUTE_READONLY)) ||
-            !DeleteFileW(fixed.c_str())) {
-            RaiseRemovalFailure(site, path, ERROR_ACCESS_DENIED);
+    DWORD error = Delete_(fixed);
+    if (error == ERROR_ACCESS_DENIED) {
+        if (const DWORD attributes = GetFileAttributesW(fixed.c_str()); attributes != INVALID_FILE_ATTRIBUTES) {
+            SetFileAttributesW(fixed.c_str(), attributes & ~static_cast<DWORD>(FILE_ATTRIBUTE_READONLY));
         }
-        return;
+        // Whatever the second attempt meets, unless the file went meanwhile, access is what was denied.
+        error = Delete_(fixed) == ERROR_SUCCESS ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
     }
-    default:
+    if (error != ERROR_SUCCESS) {
         RaiseRemovalFailure(site, path, error);
     }
 }

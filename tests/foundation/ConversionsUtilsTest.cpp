@@ -4,13 +4,17 @@
 
 #include <gtest/gtest.h>
 
+#include <sddl.h>
+
 #include "foundation/Exception.h"
 #include "foundation/Log4CxxHelper.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/ExpectFailure.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/ReplacedImport.h"
 
 using test_support::ExpectFailure;
+using test_support::FailingImport;
 using vorlek::AllocationFailureException;
 using vorlek::ArgumentException;
 using vorlek::ArgumentNullException;
@@ -55,6 +59,30 @@ std::vector<BYTE> Decode_(const std::wstring& text) {
     std::vector<BYTE> bytes;
     ConversionsUtils::Base64DecodeData(text.c_str(), text.size(), bytes);
     return bytes;
+}
+
+/// How many characters the text of so many bytes may take, its line ends included.
+std::size_t Room_(std::size_t size) {
+    std::size_t characters = size * 4 / 3 + size % 3;
+    const std::size_t lineEnds = (characters / 76 + 1) * 2;
+    if (characters % 76 != 0 && characters % 4 != 0) {
+        characters += 4 - characters % 4;
+    }
+    return characters + lineEnds;
+}
+
+/// Characters from outside the alphabet, strewn between those of the text.
+std::wstring Strewn_(const std::wstring& text, std::mt19937& random) {
+    const std::wstring foreign(
+        {L' ', L'\r', L'\n', L'-', L'_', L'.', L'=', L'\x0080', L'\x0141', L'\xFF21', L'\xFFFF', L'\0'});
+    std::wstring strewn;
+    for (const wchar_t character : text) {
+        while (random() % 3 == 0) {
+            strewn += foreign[random() % foreign.size()];
+        }
+        strewn += character;
+    }
+    return strewn;
 }
 
 std::vector<BYTE> Bytes_(const std::string& text) {
@@ -140,6 +168,7 @@ TEST(ConversionsUtils, EncodesAndDecodesEveryLengthAsTheReferenceDoes) {
         const std::vector<BYTE> bytes = RandomBytes_(size);
         const std::wstring text = Encode_(bytes);
         ASSERT_EQ(Reference_(bytes), text) << size;
+        ASSERT_LE(text.size(), Room_(size)) << size;
         ASSERT_EQ(bytes, Decode_(text)) << size;
     }
 }
@@ -157,6 +186,11 @@ TEST(ConversionsUtils, EncodesToASystemString) {
     _bstr_t text;
     ConversionsUtils::Base64EncodeData(kByte, 1, text);
     EXPECT_STREQ(L"eA==", static_cast<const wchar_t*>(text));
+    ConversionsUtils::Base64EncodeData(kByte, 0, text);
+    EXPECT_EQ(0u, text.length());
+    ExpectFailure<ArgumentNullException>([&] { ConversionsUtils::Base64EncodeData(nullptr, 1, text); },
+                                         L"vorlek::ConversionsUtils::Base64EncodeData",
+                                         L"NULL pointer to function DataBase64");
 }
 
 TEST(ConversionsUtils, DecodingSkipsWhatIsOutsideTheAlphabet) {
@@ -165,6 +199,14 @@ TEST(ConversionsUtils, DecodingSkipsWhatIsOutsideTheAlphabet) {
     EXPECT_EQ(Bytes_("fo"), Decode_(L"Zm8"));
     EXPECT_EQ(Bytes_(""), Decode_(L"Z"));
     EXPECT_EQ(Bytes_(""), Decode_(L"===="));
+}
+
+TEST(ConversionsUtils, DecodingSkipsForeignCharactersWhereverTheyStand) {
+    std::mt19937 random(7);
+    for (std::size_t size = 1; size <= 1000; ++size) {
+        const std::vector<BYTE> bytes = RandomBytes_(size);
+        ASSERT_EQ(bytes, Decode_(Strewn_(Encode_(bytes), random))) << size;
+    }
 }
 
 TEST(ConversionsUtils, DecodesIntoABufferAndSaysHowMuch) {
@@ -197,6 +239,10 @@ TEST(ConversionsUtils, NullPointersRaise) {
     BYTE buffer[4] = {};
     std::size_t size = 4;
     ExpectFailure<ArgumentNullException>([&] { ConversionsUtils::Base64DecodeData(nullptr, 4, buffer, &size); },
+                                         L"vorlek::ConversionsUtils::Base64DecodeData",
+                                         L"NULL input pointer to function Base64DecodeData");
+    std::vector<BYTE> bytes = {1};
+    ExpectFailure<ArgumentNullException>([&] { ConversionsUtils::Base64DecodeData(nullptr, 4, bytes); },
                                          L"vorlek::ConversionsUtils::Base64DecodeData",
                                          L"NULL input pointer to function Base64DecodeData");
     ExpectFailure<ArgumentNullException>([&] { ConversionsUtils::Base64DecodeData(L"Zg==", 4, nullptr, &size); },
@@ -301,6 +347,20 @@ TEST(ConversionsUtils, UnknownAccountsRaise) {
     ExpectFailure<ArgumentException>([] { ConversionsUtils::UserStringToSID(L"nobody of this name"); },
                                      L"vorlek::ConversionsUtils::UserStringToSID",
                                      L"LookupAccountName Failed. Last error is 1332");
+}
+
+TEST(ConversionsUtils, NoMemoryForAnIdentifierRaises) {
+    const FailingImport<"LocalAlloc", decltype(LocalAlloc)> allocate(ERROR_NOT_ENOUGH_MEMORY);
+    ExpectFailure<ArgumentException>([] { ConversionsUtils::UserStringToSID(L"Everyone"); },
+                                     L"vorlek::ConversionsUtils::UserStringToSID",
+                                     L"Failed allocating memory for SID. Last error is 8");
+}
+
+TEST(ConversionsUtils, IdentifierOfAnAccountThatCannotBeWrittenRaises) {
+    const FailingImport<"ConvertSidToStringSidW", decltype(ConvertSidToStringSidW)> convert(ERROR_INVALID_SID);
+    ExpectFailure<ArgumentException>([] { ConversionsUtils::UserStringToSID(L"Everyone"); },
+                                     L"vorlek::ConversionsUtils::UserStringToSID",
+                                     L"ConvertSidToStringSid Failed. Last error is 1337");
 }
 
 TEST(ConversionsUtils, WritesItsComplaintsToTheLegacyLog) {

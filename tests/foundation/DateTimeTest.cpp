@@ -22,10 +22,41 @@ std::int64_t SystemSeconds_(const SYSTEMTIME& time) {
     return static_cast<std::int64_t>(ticks / 10'000'000) - 11'644'473'600;
 }
 
+/// The clock in New York by the system's own calendar, at so many seconds after 1970 UTC. From 2007 on.
+SYSTEMTIME SystemClock_(std::int64_t seconds) {
+    const std::uint64_t ticks = static_cast<std::uint64_t>(seconds + 11'644'473'600) * 10'000'000;
+    const FILETIME fileTime = {static_cast<DWORD>(ticks), static_cast<DWORD>(ticks >> 32)};
+    SYSTEMTIME utc = {};
+    EXPECT_TRUE(FileTimeToSystemTime(&fileTime, &utc));
+    TIME_ZONE_INFORMATION zone = {};
+    zone.Bias = 300;
+    zone.StandardDate = {0, 11, 0, 1, 2, 0, 0, 0}; // the first Sunday of November at 2
+    zone.DaylightDate = {0, 3, 0, 2, 2, 0, 0, 0};  // the second of March
+    zone.DaylightBias = -60;
+    SYSTEMTIME local = {};
+    EXPECT_TRUE(SystemTimeToTzSpecificLocalTime(&zone, &utc, &local));
+    return local;
+}
+
+/// The fields of a time as the system holds them.
+SYSTEMTIME Fields_(const DateTime& time) {
+    SYSTEMTIME fields = {};
+    fields.wYear = static_cast<WORD>(time.GetYear());
+    fields.wMonth = static_cast<WORD>(time.GetMonth());
+    fields.wDay = static_cast<WORD>(time.GetDay());
+    fields.wHour = static_cast<WORD>(time.GetHour());
+    fields.wMinute = static_cast<WORD>(time.GetMinute());
+    fields.wSecond = static_cast<WORD>(time.GetSecond());
+    return fields;
+}
+
 /// The C library's time zone while it lives: five hours behind, with daylight saving.
 class NewYork_ {
 public:
-    NewYork_() { Set_("EST5EDT"); }
+    NewYork_() {
+        Set_("EST5EDT");
+        _dstbias = -3600; // which the library leaves as an earlier zone had it
+    }
     ~NewYork_() { Set_(""); }
 
 private:
@@ -42,14 +73,7 @@ TEST(DateTime, AgreesWithTheSystemFrom1970To2100) {
     constexpr std::int64_t kStep = 10 * 3600 + 23 * 60 + 45;
     for (std::int64_t seconds = 0; seconds < kEnd; seconds += kStep) {
         const DateTime time(seconds, DateTime::Utc);
-        SYSTEMTIME fields = {};
-        fields.wYear = static_cast<WORD>(time.GetYear());
-        fields.wMonth = static_cast<WORD>(time.GetMonth());
-        fields.wDay = static_cast<WORD>(time.GetDay());
-        fields.wHour = static_cast<WORD>(time.GetHour());
-        fields.wMinute = static_cast<WORD>(time.GetMinute());
-        fields.wSecond = static_cast<WORD>(time.GetSecond());
-        ASSERT_EQ(seconds, SystemSeconds_(fields));
+        ASSERT_EQ(seconds, SystemSeconds_(Fields_(time)));
         const DateTime back(time.GetYear(), time.GetMonth(), time.GetDay(), time.GetHour(), time.GetMinute(),
                             time.GetSecond(), 0, DateTime::Utc);
         ASSERT_EQ(seconds, back.GetUnixTime());
@@ -95,15 +119,8 @@ TEST(DateTime, LocalNowHasTheFieldsOfTheLocalClock) {
     const DateTime now(DateTime::Local);
     SYSTEMTIME after = {};
     GetLocalTime(&after);
-    SYSTEMTIME fields = {};
-    fields.wYear = static_cast<WORD>(now.GetYear());
-    fields.wMonth = static_cast<WORD>(now.GetMonth());
-    fields.wDay = static_cast<WORD>(now.GetDay());
-    fields.wHour = static_cast<WORD>(now.GetHour());
-    fields.wMinute = static_cast<WORD>(now.GetMinute());
-    fields.wSecond = static_cast<WORD>(now.GetSecond());
-    EXPECT_LE(SystemSeconds_(before), SystemSeconds_(fields));
-    EXPECT_GE(SystemSeconds_(after), SystemSeconds_(fields));
+    EXPECT_LE(SystemSeconds_(before), SystemSeconds_(Fields_(now)));
+    EXPECT_GE(SystemSeconds_(after), SystemSeconds_(Fields_(now)));
     EXPECT_EQ(1, now.GetKind());
 }
 
@@ -123,6 +140,24 @@ TEST(DateTime, LocalFieldsAreReadAsStandardTimeInSummerToo) {
               DateTime(2009, 1, 1, 12, 0, 0, 0, DateTime::Local).GetUnixTime());
     EXPECT_EQ(SystemSeconds_({2009, 7, 0, 1, 17, 0, 0, 0}),
               DateTime(2009, 7, 1, 12, 0, 0, 0, DateTime::Local).GetUnixTime());
+}
+
+TEST(DateTime, LocalTimeAgreesWithTheSystemAcrossDaylightChanges) {
+    const NewYork_ zone;
+    constexpr std::int64_t kBegin = 1'167'609'600; // 2007-01-01, since when the rule is as it is
+    constexpr std::int64_t kEnd = 4'102'444'800;   // 2100-01-01
+    for (std::int64_t seconds = kBegin; seconds < kEnd; seconds += 3600 - 1) {
+        const DateTime time(seconds, DateTime::Local);
+        const SYSTEMTIME clock = SystemClock_(seconds);
+        ASSERT_EQ(SystemSeconds_(clock), SystemSeconds_(Fields_(time))) << seconds;
+        // The clock's hand read as standard time: in summer an hour later than it was.
+        const DateTime read(clock.wYear, clock.wMonth, clock.wDay, clock.wHour, clock.wMinute, clock.wSecond, 0,
+                            DateTime::Local);
+        ASSERT_EQ(SystemSeconds_(clock) + 5 * 3600, read.GetUnixTime()) << seconds;
+        if (clock.wMonth > 3 && clock.wMonth < 11) {
+            seconds += 7 * 3600; // summer is long; the changes are seen hour by hour
+        }
+    }
 }
 
 TEST(DateTime, IsOrderedBySecondThenByMillisecond) {

@@ -7,13 +7,19 @@
 
 #include <aclapi.h>
 #include <sddl.h>
+#include <shellapi.h>
 
 #include "foundation/ConversionsUtils.h"
 #include "tests/support/ExpectFailure.h"
+#include "tests/support/NetworkShare.h"
+#include "tests/support/ReplacedImport.h"
 #include "tests/support/TemporaryFolder.h"
 
 using test_support::ExpectFailure;
+using test_support::FailingImport;
+using test_support::FailingLaterCalls;
 using test_support::ReadBytes;
+using test_support::ReplacedImport;
 using test_support::TemporaryFolder;
 using test_support::WriteBytes;
 using vorlek::ConversionsUtils;
@@ -98,6 +104,51 @@ TEST(DirUtils, NetworkAndPrefixedPathsKeepTheirBeginning) {
     EXPECT_TRUE(std::filesystem::is_directory(folder / L"a\\b"));
 }
 
+TEST(DirUtils, CreatesDirectoriesOfTheNetwork) {
+    const test_support::NetworkShare share;
+    EXPECT_TRUE(DirUtils::CreateDir(share.Path() + L"\\a\\\\b", nullptr));
+    EXPECT_FALSE(DirUtils::CreateDir(share.Path() + L"\\a\\b", nullptr));
+    EXPECT_EQ((std::vector<std::wstring>{L"b"}), Names_(share.Path() + L"\\a"));
+}
+
+TEST(DirUtils, PathOfTheNetworkGetsNoPrefixHoweverLong) {
+    std::wstring asked;
+    const ReplacedImport<"CreateDirectoryW", decltype(CreateDirectoryW)> create(
+        [&](LPCWSTR path, SECURITY_ATTRIBUTES*) -> BOOL {
+            asked = path;
+            return TRUE;
+        });
+    const std::wstring part(300, L'x');
+    DirUtils::CreateDir(L"\\\\server\\\\share\\" + part, nullptr);
+    EXPECT_EQ(L"\\\\server\\share\\" + part, asked);
+    DirUtils::CreateDir(L"C:\\\\" + part, nullptr);
+    EXPECT_EQ(L"\\\\?\\C:\\" + part, asked);
+}
+
+TEST(DirUtils, DirectoryThatAnotherMadeMeanwhileIsFalse) {
+    const TemporaryFolder folder;
+    const std::wstring path = folder / L"a\\b";
+    ReplacedImport<"CreateDirectoryW", decltype(CreateDirectoryW)> create(
+        [&](LPCWSTR wanted, SECURITY_ATTRIBUTES* security) {
+            if (create.Calls() == 3) { // the second attempt at b
+                create.Original(wanted, nullptr);
+            }
+            return create.Original(wanted, security);
+        });
+    EXPECT_FALSE(DirUtils::CreateDir(path, nullptr));
+}
+
+TEST(DirUtils, SecondAttemptThatFailsRaises) {
+    ReplacedImport<"CreateDirectoryW", decltype(CreateDirectoryW)> create([&](LPCWSTR path, SECURITY_ATTRIBUTES*) {
+        SetLastError(create.Calls() == 1 ? ERROR_PATH_NOT_FOUND : ERROR_DISK_FULL);
+        return path == std::wstring(L"C:\\a") ? TRUE : FALSE;
+    });
+    ExpectFailure<FileCreateException>([] { DirUtils::CreateDir(L"C:\\a\\b", nullptr); },
+                                       L"vorlek::DirUtils::CreateDir",
+                                       L"Failed to create a directory <C:\\a\\b> Error: 112");
+    EXPECT_EQ(3, create.Calls());
+}
+
 TEST(DirUtils, CreatesALongPath) {
     const TemporaryFolder folder;
     const std::wstring part(150, L'x');
@@ -119,8 +170,12 @@ TEST(DirUtils, DirectoryThatCannotBeCreatedRaises) {
                                        L"Failed to create a directory <" + path + L"> Error: 123");
 }
 
-TEST(DirUtils, DirectoryOnAMissingDriveRaises) {
-    EXPECT_THROW(DirUtils::CreateDir(L"Q:\\a\\b", nullptr), FileCreateException);
+TEST(DirUtils, LevelThatCannotBeCreatedRaisesForItself) {
+    ASSERT_FALSE(CreateDirectoryW(L"Q:\\a", nullptr)); // there is no such drive
+    const std::wstring error = std::to_wstring(GetLastError());
+    ExpectFailure<FileCreateException>([&] { DirUtils::CreateDir(L"Q:\\a\\b", nullptr); },
+                                       L"vorlek::DirUtils::CreateDir",
+                                       L"Failed to create a directory <Q:\\a> Error: " + error);
 }
 
 TEST(DirUtils, ListsWhatADirectoryHolds) {
@@ -143,6 +198,31 @@ TEST(DirUtils, ListingAMissingDirectoryRaises) {
                              L"Error locating files at path: " + path + L", FindFirstFile has failed with: 3");
 }
 
+TEST(DirUtils, ListingThatBreaksOffRaises) {
+    const TemporaryFolder folder;
+    const std::wstring path = folder.Path();
+    const FailingImport<"FindNextFileW", decltype(FindNextFileW)> next(ERROR_NO_MORE_ITEMS);
+    ExpectFailure<Exception>([&] { DirUtils::GetDirectoryItems(path); }, L"vorlek::DirUtils::GetDirectoryItems",
+                             L"Error listing files at path: " + path + L", FindNextFile has failed with: 259");
+}
+
+TEST(DirUtils, ListingWithoutAnyEntryIsNoFailure) {
+    for (const DWORD none : {ERROR_FILE_NOT_FOUND, ERROR_NO_MORE_FILES}) {
+        const FailingImport<"FindFirstFileW", decltype(FindFirstFileW)> first(none, INVALID_HANDLE_VALUE);
+        EXPECT_TRUE(DirUtils::GetDirectoryItems(L"D:\\").empty());
+    }
+}
+
+TEST(DirUtils, ListsADirectoryBelowTheSystemsLimit) {
+    const TemporaryFolder folder;
+    const std::wstring part(150, L'x');
+    const std::wstring path = folder / (part + L'\\' + part);
+    ASSERT_TRUE(DirUtils::CreateDir(path, nullptr));
+    EXPECT_EQ((std::vector<std::wstring>{part}), Names_(folder / part));
+    EXPECT_EQ((std::vector<std::wstring>{}), Names_(path));
+    EXPECT_TRUE(RemoveDirectoryW((L"\\\\?\\" + path).c_str()));
+}
+
 TEST(DirUtils, KnowsAndChangesTheCurrentDirectory) {
     const TemporaryFolder folder;
     const std::wstring before = DirUtils::GetCurrentDirectoryW();
@@ -162,6 +242,45 @@ TEST(DirUtils, SystemDirectoriesEndInABackslash) {
     EXPECT_EQ(path + std::wstring(L"\\"), DirUtils::GetWindowsDirectoryW());
 }
 
+TEST(DirUtils, CurrentDirectoryThatTheSystemDoesNotTellRaises) {
+    const auto raises = [](const std::wstring& words) {
+        ExpectFailure<IOException>([] { DirUtils::GetCurrentDirectoryW(); }, L"vorlek::DirUtils::GetCurrentDirectoryW",
+                                   words);
+    };
+    {
+        const FailingImport<"GetCurrentDirectoryW", decltype(::GetCurrentDirectoryW)> all(ERROR_NOT_READY);
+        raises(L"Failed to get size of current path. Error: 21");
+    }
+    const FailingLaterCalls<"GetCurrentDirectoryW", decltype(::GetCurrentDirectoryW)> later(ERROR_NOT_READY);
+    raises(L"Failed to get current path. Error: 21");
+}
+
+TEST(DirUtils, SystemDirectoryThatTheSystemDoesNotTellRaises) {
+    const auto raises = [](const std::wstring& words) {
+        ExpectFailure<IOException>([] { DirUtils::GetSystemDirectoryW(); }, L"vorlek::DirUtils::GetSystemDirectoryW",
+                                   words);
+    };
+    {
+        const FailingImport<"GetSystemDirectoryW", decltype(::GetSystemDirectoryW)> all(ERROR_NOT_READY);
+        raises(L"Failed to get size of system directory path. Error: 21");
+    }
+    const FailingLaterCalls<"GetSystemDirectoryW", decltype(::GetSystemDirectoryW)> later(ERROR_NOT_READY);
+    raises(L"Failed to get system directory path. Error: 21");
+}
+
+TEST(DirUtils, WindowsDirectoryThatTheSystemDoesNotTellRaises) {
+    const auto raises = [](const std::wstring& words) {
+        ExpectFailure<IOException>([] { DirUtils::GetWindowsDirectoryW(); }, L"vorlek::DirUtils::GetWindowsDirectoryW",
+                                   words);
+    };
+    {
+        const FailingImport<"GetWindowsDirectoryW", decltype(::GetWindowsDirectoryW)> all(ERROR_NOT_READY);
+        raises(L"Failed to get size of windows directory path. Error: 21");
+    }
+    const FailingLaterCalls<"GetWindowsDirectoryW", decltype(::GetWindowsDirectoryW)> later(ERROR_NOT_READY);
+    raises(L"Failed to get windows directory path. Error: 21");
+}
+
 TEST(DirUtils, CopiesADirectoryWithAllItHolds) {
     const TemporaryFolder folder;
     std::filesystem::create_directories(folder / L"from\\sub");
@@ -170,6 +289,25 @@ TEST(DirUtils, CopiesADirectoryWithAllItHolds) {
     DirUtils::CopyDir(folder / L"from", folder / L"to");
     EXPECT_EQ("1", ReadBytes(folder / L"to\\file"));
     EXPECT_EQ("2", ReadBytes(folder / L"to\\sub\\file"));
+}
+
+TEST(DirUtils, CopyAsksTheUserNothing) {
+    std::wstring from;
+    std::wstring to;
+    SHFILEOPSTRUCTW asked = {};
+    const ReplacedImport<"SHFileOperationW", decltype(SHFileOperationW)> operation([&](SHFILEOPSTRUCTW* operation) {
+        asked = *operation;
+        from.assign(operation->pFrom, 7);
+        to.assign(operation->pTo, 5);
+        return ERROR_INVALID_FLAGS;
+    });
+    ExpectFailure<IOException>([] { DirUtils::CopyDir(L"C:\\ab", L"D:\\"); }, L"vorlek::DirUtils::CopyDir",
+                               L"SHFileOperation failed with: 1004");
+    EXPECT_EQ(static_cast<UINT>(FO_COPY), asked.wFunc);
+    EXPECT_EQ(0x614, asked.fFlags);
+    EXPECT_EQ(nullptr, asked.hwnd);
+    EXPECT_EQ(std::wstring(L"C:\\ab\0\0", 7), from);
+    EXPECT_EQ(std::wstring(L"D:\\\0\0", 5), to);
 }
 
 TEST(DirUtils, CopyingAMissingDirectoryRaises) {

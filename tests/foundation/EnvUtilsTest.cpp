@@ -6,9 +6,14 @@
 
 #include "foundation/RegistryKey.h"
 #include "platform/Windows.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/ExpectFailure.h"
+#include "tests/support/ProgramOnXp.h"
+#include "tests/support/ReplacedImport.h"
 
 using test_support::ExpectFailure;
+using test_support::FailingImport;
+using test_support::FailingLaterCalls;
 using vorlek::Exception;
 
 namespace {
@@ -55,6 +60,12 @@ private:
     std::wstring before_;
 };
 
+std::wstring LocalLowTemp_(const std::wstring& /*argument*/) {
+    return EnvUtils::GetLocalLowTempDirectory();
+}
+
+const test_support::ChildRoleName localLowTemp(L"LocalLowTemp", LocalLowTemp_);
+
 } // namespace
 
 TEST(EnvUtils, ReadsAVariable) {
@@ -70,6 +81,26 @@ TEST(EnvUtils, VariableMayBeEmpty) {
 TEST(EnvUtils, VariableThatIsNotThereRaises) {
     ExpectFailure<Exception>([] { EnvUtils::GetVariable(L"EnvUtilsTestNone"); }, L"EnvUtils::GetVariable",
                              L"Failed to get size of system variable: EnvUtilsTestNone, with: 203");
+}
+
+TEST(EnvUtils, VariableThatGoesInBetweenRaises) {
+    const Variable_ variable(L"EnvUtilsTest", L"value");
+    const FailingLaterCalls<"GetEnvironmentVariableW", decltype(GetEnvironmentVariableW)> get(ERROR_ENVVAR_NOT_FOUND);
+    ExpectFailure<Exception>([] { EnvUtils::GetVariable(L"EnvUtilsTest"); }, L"EnvUtils::GetVariable",
+                             L"Failed to open system variable: EnvUtilsTest, with: 203");
+}
+
+TEST(EnvUtils, TempDirectoryThatTheSystemDoesNotTellRaises) {
+    const auto raises = [] {
+        ExpectFailure<Exception>([] { EnvUtils::GetTempDirectory(); }, L"EnvUtils::GetTempDirectory",
+                                 L"GetTempPath failed with: 21");
+    };
+    {
+        const FailingImport<"GetTempPathW", decltype(GetTempPathW)> all(ERROR_NOT_READY);
+        raises();
+    }
+    const FailingLaterCalls<"GetTempPathW", decltype(GetTempPathW)> later(ERROR_NOT_READY);
+    raises();
 }
 
 TEST(EnvUtils, TempDirectoryFollowsTheEnvironmentAndEndsInABackslash) {
@@ -100,6 +131,12 @@ TEST(EnvUtils, MachineNameIsTheSystems) {
     EXPECT_EQ(name, EnvUtils::GetMachineName());
 }
 
+TEST(EnvUtils, MachineNameThatTheSystemDoesNotTellRaises) {
+    const FailingImport<"GetComputerNameExW", decltype(GetComputerNameExW)> get(ERROR_MORE_DATA);
+    ExpectFailure<Exception>([] { EnvUtils::GetMachineName(); }, L"EnvUtils::GetMachineName",
+                             L"GetComputerNameEx failed with: 234");
+}
+
 TEST(EnvUtils, CommonApplicationDataIsWhatTheRegistrySays) {
     std::wstring path;
     RegistryKey::GetLocalMachine().OpenSubKey(kShellFolders)->GetValue(L"Common AppData", path);
@@ -118,4 +155,11 @@ TEST(EnvUtils, LowIntegrityDirectoryThatIsNotThereRaises) {
     folder.Set(L"C:\\no such directory");
     ExpectFailure<Exception>([] { EnvUtils::GetLocalLowTempDirectory(); }, L"EnvUtils::GetLocalLowTempDirectory",
                              L"\"C:\\no such directory\" doesn't exist!");
+}
+
+TEST(EnvUtils, LowIntegrityDirectoryIsTheTempDirectoryBeforeVista) {
+    LocalLow_ folder;
+    folder.Set(L"C:\\windows");
+    const test_support::ProgramOnXp program;
+    EXPECT_EQ(EnvUtils::GetTempDirectory(), test_support::ChildProcess(L"LocalLowTemp", L"", program.Path()).Result());
 }

@@ -4,14 +4,18 @@
 
 #include <gtest/gtest.h>
 
+#include <shlobj.h>
+
 #include "tests/support/ExpectFailure.h"
+#include "tests/support/ReplacedImport.h"
 #include "tests/support/TemporaryFolder.h"
 
 using test_support::ExpectFailure;
+using test_support::FailingImport;
+using test_support::ReplacedImport;
 using test_support::TemporaryFolder;
 using test_support::WriteBytes;
 using vorlek::IOException;
-using vorlek::UnauthorizedAccessException;
 using vorlek::PluginUtils::EnviornmentUtils;
 
 TEST(EnviornmentUtils, CreatesEveryMissingLevel) {
@@ -42,11 +46,22 @@ TEST(EnviornmentUtils, RemovesFilesAndTrees) {
     EXPECT_TRUE(std::filesystem::is_empty(folder.Path()));
 }
 
-TEST(EnviornmentUtils, FailuresNameThisFamily) {
-    const TemporaryFolder folder;
-    const std::wstring path = folder / L"sub";
-    std::filesystem::create_directory(path);
-    ExpectFailure<UnauthorizedAccessException>([&] { EnviornmentUtils::RemoveFile(path); },
-                                               L"vorlek::PluginUtils::EnviornmentUtils::RemoveFile",
-                                               L"Failed to remove file <" + path + L">");
+TEST(EnviornmentUtils, DirectoryThatExistsInAnyWordingOfTheSystemIsFalse) {
+    for (const int exists : {ERROR_ALREADY_EXISTS, ERROR_FILE_EXISTS}) {
+        const FailingImport<"SHCreateDirectoryExW", decltype(SHCreateDirectoryExW)> create(0, exists);
+        EXPECT_FALSE(EnviornmentUtils::CreateDir(L"C:\\directory", nullptr));
+    }
+}
+
+TEST(EnviornmentUtils, EveryLevelHasTheSecurityGiven) {
+    SECURITY_ATTRIBUTES security = {};
+    const SECURITY_ATTRIBUTES* asked = nullptr;
+    const ReplacedImport<"SHCreateDirectoryExW", decltype(SHCreateDirectoryExW)> create(
+        [&](HWND window, LPCWSTR, const SECURITY_ATTRIBUTES* attributes) {
+            EXPECT_EQ(nullptr, window);
+            asked = attributes;
+            return ERROR_SUCCESS;
+        });
+    EXPECT_TRUE(EnviornmentUtils::CreateDir(L"C:\\directory", &security));
+    EXPECT_EQ(&security, asked);
 }

@@ -4,9 +4,12 @@
 
 #include "foundation/File.h"
 #include "tests/support/ExpectFailure.h"
+#include "tests/support/NetworkShare.h"
+#include "tests/support/ReplacedImport.h"
 #include "tests/support/TemporaryFolder.h"
 
 using test_support::ExpectFailure;
+using test_support::FailingImport;
 using test_support::TemporaryFolder;
 using test_support::WriteBytes;
 using vorlek::Exception;
@@ -16,11 +19,10 @@ using vorlek::FileNotFoundException;
 
 namespace {
 
-/// A file whose handle a test can take away, and the failures of opening one.
+/// A file whose handle a test can take away.
 class OpenFile_ : public File {
 public:
     explicit OpenFile_(const std::wstring& path) : File(path, GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING, 0) {}
-    using FileBase::RaiseCreateFailure_;
     void SetHandle(HANDLE handle) { handle_ = handle; }
 };
 
@@ -45,9 +47,9 @@ TEST(FileBase, MissingDirectoryRaises) {
 }
 
 TEST(FileBase, FileThatExistsAlreadyRaises) {
-    ExpectFailure<FileAlreadyExist>([] { OpenFile_::RaiseCreateFailure_(L"p", ERROR_ALREADY_EXISTS); },
-                                    L"vorlek::FileBase::FileBase",
-                                    L"CreateFile on \"p\" failed with: ERROR_ALREADY_EXISTS");
+    const FailingImport<"CreateFileW", decltype(CreateFileW)> create(ERROR_ALREADY_EXISTS, INVALID_HANDLE_VALUE);
+    ExpectFailure<FileAlreadyExist>([] { Open_(L"C:\\file", CREATE_NEW); }, L"vorlek::FileBase::FileBase",
+                                    L"CreateFile on \"C:\\file\" failed with: ERROR_ALREADY_EXISTS");
 }
 
 TEST(FileBase, AnyOtherFailureToOpenRaisesWithItsNumber) {
@@ -71,6 +73,19 @@ TEST(FileBase, OpensAPathLongerThanTheSystemsLimit) {
     }
     EXPECT_TRUE(DeleteFileW((L"\\\\?\\" + path).c_str()));
     EXPECT_TRUE(RemoveDirectoryW(directory.c_str()));
+}
+
+TEST(FileBase, OpensAFileOfTheNetwork) {
+    const test_support::NetworkShare share;
+    const std::wstring path = share.Path() + L"\\file";
+    {
+        File file(path, GENERIC_WRITE, 0, CREATE_NEW, FILE_ATTRIBUTE_NORMAL);
+        file.Write("12345", 5);
+    }
+    EXPECT_EQ(5, OpenFile_(path).GetSize());
+    ExpectFailure<FileNotFoundException>(
+        [&] { Open_(share.Path() + L"\\none", OPEN_EXISTING); }, L"vorlek::FileBase::FileBase",
+        L"CreateFile on \"" + share.Path() + L"\\none\" failed with: ERROR_FILE_NOT_FOUND");
 }
 
 TEST(FileBase, KnowsAttributesAndSize) {
@@ -164,4 +179,18 @@ TEST(FileBase, EncryptsAsTheSystemDoes) {
     };
     agrees(true, EncryptFileW(twin.c_str()), L"EncryptFile failed with: ");
     agrees(false, DecryptFileW(twin.c_str(), 0), L"DecryptFile failed with: ");
+}
+
+TEST(FileBase, EncryptionThatFailsRaises) {
+    const TemporaryFolder folder;
+    WriteBytes(folder / L"file", "x");
+    OpenFile_ file(folder / L"file");
+    const FailingImport<"EncryptFileW", decltype(EncryptFileW)> encrypt(ERROR_ENCRYPTION_FAILED);
+    ExpectFailure<Exception>([&] { file.SetEFSEncryption(true); }, L"vorlek::FileBase::SetEFSEncryption",
+                             L"EncryptFile failed with: 6000");
+    const FailingImport<"DecryptFileW", decltype(DecryptFileW)> decrypt(ERROR_DECRYPTION_FAILED);
+    ExpectFailure<Exception>([&] { file.SetEFSEncryption(false); }, L"vorlek::FileBase::SetEFSEncryption",
+                             L"DecryptFile failed with: 6001");
+    EXPECT_EQ(1, encrypt.Calls());
+    EXPECT_EQ(1, decrypt.Calls());
 }

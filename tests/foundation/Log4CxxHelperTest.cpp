@@ -9,12 +9,16 @@
 #include "foundation/Log.h"
 #include "tests/support/ExpectFailure.h"
 #include "tests/support/LogCapture.h"
-#include "tests/support/RegistryPlace.h"
+#include "tests/support/OwnLocalMachine.h"
+#include "tests/support/ReplacedImport.h"
 #include "tests/support/Threads.h"
 
 using namespace vorlek;
 using test_support::ExpectFailure;
+using test_support::FailingImport;
 using test_support::LogCapture;
+using test_support::OwnLocalMachine;
+using test_support::ReplacedImport;
 
 namespace {
 
@@ -39,29 +43,6 @@ public:
 private:
     std::wstring name_;
     HANDLE event_;
-};
-
-/// This process's view of HKEY_LOCAL_MACHINE, moved to a place of the test's own.
-class OwnLocalMachine {
-public:
-    OwnLocalMachine() {
-        RegOpenKeyExW(HKEY_CURRENT_USER, place_.Name().c_str(), 0, KEY_ALL_ACCESS, &key_);
-        RegOverridePredefKey(HKEY_LOCAL_MACHINE, key_);
-    }
-    OwnLocalMachine(const OwnLocalMachine&) = delete;
-    OwnLocalMachine& operator=(const OwnLocalMachine&) = delete;
-    ~OwnLocalMachine() {
-        RegOverridePredefKey(HKEY_LOCAL_MACHINE, nullptr);
-        RegCloseKey(key_);
-    }
-
-    std::shared_ptr<RegistryKey> ShellFolders() const {
-        return place_->CreateSubKey(L"SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders", true);
-    }
-
-private:
-    test_support::RegistryPlace place_;
-    HKEY key_ = nullptr;
 };
 
 std::wstring SystemDirectory_() {
@@ -146,6 +127,14 @@ TEST(InitLogger, IsGuardedByAMutexOfTheLoggerAndTheProcess) {
     EXPECT_NO_THROW(InitLogger(holder, "vorlek::Guarded::Guarded", false)) << "a filled holder asks for no mutex";
 }
 
+TEST(InitLogger, LockThatFailsPasses) {
+    LoggerHolder holder;
+    const FailingImport<"WaitForSingleObject", decltype(WaitForSingleObject)> wait(ERROR_INVALID_HANDLE, WAIT_FAILED);
+    ExpectFailure<Exception>([&] { InitLogger(holder, "vorlek::Locked::Locked", false); }, L"vorlek::NamedMutex::Lock",
+                             L"WaitForSingleObject failed, return code: 4294967295");
+    EXPECT_EQ(holder.Get(), nullptr);
+}
+
 TEST(StartLogSession, IsGuardedByAMutexOfTheProcess) {
     const TakenName taken(L"StartLogSession");
     ExpectFailure<Exception>([] { StartLogSession(L"C:\\no.properties", nullptr, false); },
@@ -167,6 +156,12 @@ TEST(LogConfigurationPath, FallsBackToTheSystemDirectoryWithADoubledSeparator) {
     EXPECT_EQ(GetLogConfigurationPath(), fallBack) << "no value";
     folders->SetValue(L"Common AppData", 5);
     EXPECT_EQ(GetLogConfigurationPath(), fallBack) << "a value of another type";
+}
+
+TEST(LogConfigurationPath, FailureOfAnotherKindPasses) {
+    const ReplacedImport<"RegOpenKeyExW", decltype(RegOpenKeyExW)> open(
+        [](HKEY, LPCWSTR, DWORD, REGSAM, HKEY*) -> LSTATUS { throw std::runtime_error("out of order"); });
+    EXPECT_THROW(GetLogConfigurationPath(), std::runtime_error);
 }
 
 TEST(LogCurrentException, GivesAnExceptionsRendering) {
@@ -205,6 +200,20 @@ TEST(LogCurrentException, GivesAComErrorsDescription) {
 TEST(LogCurrentException, GivesTheLastErrorForAnythingElse) {
     EXPECT_THAT(Reported_([] { throw 5; }),
                 testing::ElementsAre(L"Prefix: LogCurrentException:Unknown exception. Last error: 1234"));
+}
+
+TEST(LogCurrentException, ReportsFromTheSiteThatItIsGiven) {
+    const LogCapture log;
+    LoggerHolder holder;
+    InitLogger(holder, "vorlek::Reporter::Reporter", false);
+    try {
+        throw 5;
+    } catch (...) {
+        LogCurrentException(holder, L"Prefix:", {"source/Here.cpp", "Here.cpp", "vorlek::Place::Function", 7});
+    }
+    ASSERT_EQ(log.Lines().size(), 1U);
+    EXPECT_EQ(log.Lines()[0].site, "Here.cpp(7): Function");
+    EXPECT_EQ(log.Lines()[0].logger, L"vorlek.Reporter");
 }
 
 TEST(LogCurrentException, ReportsNothingThroughAnEmptyHolder) {

@@ -34,6 +34,15 @@ TEST_F(Tracer, SaysEnteredAndLeft) {
     EXPECT_EQ(log_.Lines()[1].logger, L"tracer");
 }
 
+TEST_F(Tracer, BothLinesTellTheSiteOfTheEntry) {
+    {
+        Log4CxxTracer tracer(holder_);
+        tracer.Trace({"source/Here.cpp", "Here.cpp", "vorlek::Place::Function", 7});
+    }
+    EXPECT_EQ(log_.Lines()[0].site, "Here.cpp(7): Function");
+    EXPECT_EQ(log_.Lines()[1].site, "Here.cpp(7): Function");
+}
+
 TEST_F(Tracer, SaysLeftWhenAFailureLeavesTheScope) {
     try {
         Log4CxxTracer tracer(holder_);

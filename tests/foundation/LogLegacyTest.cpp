@@ -4,9 +4,11 @@
 #include "foundation/Log4CxxHelper.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/ReplacedImport.h"
 
 using namespace vorlek;
 using test_support::ChildProcess;
+using test_support::FailingImport;
 using test_support::LogCapture;
 
 namespace {
@@ -62,6 +64,7 @@ std::wstring DisabledLevel_(const std::wstring& /*argument*/) {
         log4cxx::Logger::getRootLogger()->setLevel(log4cxx::Level::getWarn());
         Log_(3, "information");
         Log_(0, "debug");
+        Log_(3, nullptr); // not looked at
         Log_(2, "warning");
     });
 }
@@ -69,7 +72,33 @@ std::wstring DisabledLevel_(const std::wstring& /*argument*/) {
 std::wstring WithoutSession_(const std::wstring& /*argument*/) {
     const LogCapture log;
     Log_(1, "too early");
+    Log_(1, nullptr);
     return std::to_wstring(log.Lines().size());
+}
+
+std::wstring Unformattable_(const std::wstring& /*argument*/) {
+    using Arguments = char*; // what a va_list is here
+    using Measure = int(const wchar_t*, Arguments);
+    using Format = int(wchar_t*, std::size_t, std::size_t, const wchar_t*, Arguments);
+    return Logged_([] {
+        {
+            const FailingImport<"_vscwprintf", Measure> measure(0, -1);
+            Log_(1, "cannot be measured");
+        }
+        {
+            const FailingImport<"_vsnwprintf_s", Format> format(0, -1);
+            Log_(1, "cannot be formatted");
+        }
+        Log_(1, "the next one");
+    });
+}
+
+std::wstring Site_(const std::wstring& /*argument*/) {
+    StartLogSession(L"C:\\no\\such.properties", nullptr, false);
+    const LogCapture log;
+    LogLegacy(0, 2, "any category", "source/foundation/Old.cpp", "SwapInPlace", 7);
+    const std::string site = log.Lines().at(0).site;
+    return {site.begin(), site.end()};
 }
 
 const test_support::ChildRoleName levels(L"LegacyLevels", Levels_);
@@ -77,6 +106,8 @@ const test_support::ChildRoleName conversions(L"LegacyConversions", Conversions_
 const test_support::ChildRoleName silence(L"LegacySilence", Silence_);
 const test_support::ChildRoleName disabledLevel(L"LegacyDisabledLevel", DisabledLevel_);
 const test_support::ChildRoleName withoutSession(L"LegacyWithoutSession", WithoutSession_);
+const test_support::ChildRoleName unformattable(L"LegacyUnformattable", Unformattable_);
+const test_support::ChildRoleName site(L"LegacySite", Site_);
 
 } // namespace
 
@@ -108,4 +139,12 @@ TEST(LogLegacy, DisabledLevelIsNotLogged) {
 
 TEST(LogLegacy, IsSilentBeforeASession) {
     EXPECT_EQ(ChildProcess(L"LegacyWithoutSession").Result(), L"0");
+}
+
+TEST(LogLegacy, LosesATextThatCannotBeFormattedAndNothingElse) {
+    EXPECT_EQ(ChildProcess(L"LegacyUnformattable").Result(), L"ERROR kernel32.loglegacy the next one|");
+}
+
+TEST(LogLegacy, TellsTheCallersSite) {
+    EXPECT_EQ(ChildProcess(L"LegacySite").Result(), L"Old.cpp(7): SwapInPlace");
 }

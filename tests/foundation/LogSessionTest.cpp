@@ -1,12 +1,19 @@
 #include <gtest/gtest.h>
 #include <log4cxx/logmanager.h>
 
+#include "foundation/AutoHandle.h"
+#include "foundation/Exception.h"
 #include "foundation/Log.h"
 #include "foundation/Log4CxxHelper.h"
 #include "foundation/StringUtils.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/OwnLocalMachine.h"
+#include "tests/support/ReplacedImport.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Threads.h"
+
+#include <psapi.h>
+#include <tlhelp32.h>
 
 using namespace vorlek;
 using test_support::ChildProcess;
@@ -45,6 +52,19 @@ std::wstring NameOf_(const char* name, bool isFile) {
     LoggerHolder holder;
     InitLogger(holder, name, isFile);
     return holder.Get()->getName();
+}
+
+/// How many threads this process has now.
+int Threads_() {
+    FileHandle snapshot;
+    snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
+    THREADENTRY32 entry = {};
+    entry.dwSize = sizeof(entry);
+    int threads = 0;
+    for (BOOL more = Thread32First(snapshot.Get(), &entry); more; more = Thread32Next(snapshot.Get(), &entry)) {
+        threads += entry.th32OwnerProcessID == GetCurrentProcessId() ? 1 : 0;
+    }
+    return threads;
 }
 
 std::wstring StartTwice_(const std::wstring& folder) {
@@ -89,10 +109,60 @@ std::wstring StartAtOnce_(const std::wstring& folder) {
     return GetLogSessionName();
 }
 
+/// Starts the session in the usual way, with its configuration where an administrator puts it.
+std::wstring StartUsually_(const std::wstring& folder, bool watch) {
+    const test_support::OwnLocalMachine machine;
+    machine.ShellFolders()->SetValue(L"Common AppData", folder);
+    const std::filesystem::path product = std::filesystem::path(folder) / L"Vorlek";
+    std::filesystem::create_directory(product);
+    std::filesystem::rename(Configure_(folder, L"first.log"), product / L"QLTLogger.properties");
+    const int before = Threads_();
+    StartLog(AnyModule_(), watch);
+    const int more = Threads_() - before;
+    log4cxx::LogManager::shutdown(); // ends a thread that watches
+    return GetLogSessionName() + (L" with so many threads more: " + std::to_wstring(more));
+}
+
+std::wstring Start_(const std::wstring& folder) {
+    return StartUsually_(folder, false);
+}
+
 std::wstring Watch_(const std::wstring& folder) {
-    StartLogSession(Configure_(folder, L"first.log"), AnyModule_(), true);
-    log4cxx::LogManager::shutdown();
+    return StartUsually_(folder, true);
+}
+
+std::wstring StartAgainAfterAFailure_(const std::wstring& folder) {
+    const std::wstring configuration = Configure_(folder, L"first.log");
+    std::wstring words;
+    try {
+        const test_support::FailingImport<"WaitForSingleObject", decltype(WaitForSingleObject)> wait(
+            ERROR_INVALID_HANDLE, WAIT_FAILED);
+        StartLogSession(configuration, AnyModule_(), false);
+    } catch (const Exception& failure) {
+        words = failure.GetMessage();
+    }
+    StartLogSession(configuration, AnyModule_(), false);
+    return words + L", then " + GetLogSessionName();
+}
+
+std::wstring ProgramWithoutAName_(const std::wstring& folder) {
+    test_support::ReplacedImport<"K32GetModuleBaseNameW", decltype(K32GetModuleBaseNameW)> name(
+        [&](HANDLE process, HMODULE module, wchar_t* text, DWORD size) {
+            return module == nullptr ? 0 : name.Original(process, module, text, size);
+        });
+    StartLogSession(Configure_(folder, L"first.log"), AnyModule_(), false);
+    LoggerHolder own;
+    InitLogger(own, "vorlek::TaskHandler::TaskHandler", false);
+    LOG_INFO(own, L"a line");
     return GetLogSessionName();
+}
+
+std::wstring ModuleThatCannotBeSplit_(const std::wstring& folder) {
+    using Split = errno_t(const wchar_t*, wchar_t*, std::size_t, wchar_t*, std::size_t, wchar_t*, std::size_t, wchar_t*,
+                          std::size_t);
+    const test_support::FailingImport<"_wsplitpath_s", Split> split(0, ERANGE);
+    StartLogSession(Configure_(folder, L"first.log"), AnyModule_(), false);
+    return std::wstring(L"<") + GetLogSessionName() + L">";
 }
 
 /// Runs under the sample configuration, with the folder for the user's local data.
@@ -119,7 +189,11 @@ const test_support::ChildRoleName namesInASession(L"NamesInASession", NamesInASe
 const test_support::ChildRoleName programsOwnName(L"ProgramsOwnName", ProgramsOwnName_);
 const test_support::ChildRoleName unknownModule(L"UnknownModule", UnknownModule_);
 const test_support::ChildRoleName startAtOnce(L"StartAtOnce", StartAtOnce_);
+const test_support::ChildRoleName start(L"Start", Start_);
 const test_support::ChildRoleName watch(L"Watch", Watch_);
+const test_support::ChildRoleName startAgain(L"StartAgainAfterAFailure", StartAgainAfterAFailure_);
+const test_support::ChildRoleName withoutAName(L"ProgramWithoutAName", ProgramWithoutAName_);
+const test_support::ChildRoleName cannotBeSplit(L"ModuleThatCannotBeSplit", ModuleThatCannotBeSplit_);
 const test_support::ChildRoleName runSample(L"RunSample", RunSample_);
 
 /// A copy of this program under another name.
@@ -169,9 +243,35 @@ TEST(LogSession, OfAnUnknownModuleHasNoNameButIsConfigured) {
               L"INFO Log4CxxHelper ************************ foundation_tests.exe ************************|");
 }
 
-TEST(LogSession, CanWatchItsConfiguration) {
+TEST(LogSession, OfAModuleThatCannotBeSplitHasNoNameButIsConfigured) {
     const TemporaryFolder folder;
-    EXPECT_EQ(ChildProcess(L"Watch", folder.Path()).Result(), L"kernel32");
+    EXPECT_EQ(ChildProcess(L"ModuleThatCannotBeSplit", folder.Path()).Result(), L"<>");
+    EXPECT_EQ(Written_(folder / L"first.log"),
+              L"INFO Log4CxxHelper ************************ foundation_tests.exe ************************|");
+}
+
+TEST(LogSession, HasNoBannerWhereTheProgramHasNoName) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(ChildProcess(L"ProgramWithoutAName", folder.Path()).Result(), L"kernel32");
+    EXPECT_EQ(Written_(folder / L"first.log"), L"INFO kernel32.vorlek.TaskHandler a line|");
+}
+
+TEST(LogSession, StartsWhenALaterCallGetsTheLock) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(ChildProcess(L"StartAgainAfterAFailure", folder.Path()).Result(),
+              L"WaitForSingleObject failed, return code: 4294967295, then kernel32");
+    EXPECT_EQ(Written_(folder / L"first.log"), kBanner);
+}
+
+TEST(LogSession, FindsItsConfigurationAndStartsNoThread) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(ChildProcess(L"Start", folder.Path()).Result(), L"kernel32 with so many threads more: 0");
+    EXPECT_EQ(Written_(folder / L"first.log"), kBanner);
+}
+
+TEST(LogSession, WatchesItsConfigurationOnAThreadWhenAsked) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(ChildProcess(L"Watch", folder.Path()).Result(), L"kernel32 with so many threads more: 1");
     EXPECT_EQ(Written_(folder / L"first.log"), kBanner);
 }
 

@@ -78,6 +78,12 @@ TEST_F(Log, SiteNamesTheFileTheFunctionAndTheLine) {
     EXPECT_STREQ(site.getShortFileName(), "LogTest.cpp");
     EXPECT_EQ(site.getLineNumber(), __LINE__ - 2);
     EXPECT_EQ(site.getMethodName(), "TestBody");
+    EXPECT_EQ(site.getClassName(), "Log_SiteNamesTheFileTheFunctionAndTheLine_Test");
+}
+
+TEST_F(Log, StatementTellsItsSite) {
+    LOG_WARN(logger_, L"here");
+    EXPECT_EQ(log_.Lines()[0].site, "LogTest.cpp(" + std::to_string(__LINE__ - 1) + "): TestBody");
 }
 
 TEST_F(Log, StatementIsOneStatement) {

@@ -5,9 +5,13 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/ExpectFailure.h"
+#include "tests/support/ReplacedImport.h"
 #include "tests/support/TemporaryFolder.h"
 
 using test_support::ExpectFailure;
+using test_support::FailingImport;
+using test_support::FailingLaterCalls;
+using test_support::ReplacedImport;
 using test_support::TemporaryFolder;
 using test_support::WriteBytes;
 using vorlek::Exception;
@@ -51,6 +55,78 @@ TEST(PathUtils, PathThatIsNotThereHasNeitherForm) {
                              L"GetLongPathNameW failed with: 2");
     ExpectFailure<Exception>([&] { PathUtils::GetShortPath(folder / L"none"); }, L"vorlek::PathUtils::GetShortPath",
                              L"GetShortPathNameW failed with: 2");
+}
+
+TEST(PathUtils, PathThatGoesInBetweenHasNeitherForm) {
+    const TemporaryFolder folder;
+    const FailingLaterCalls<"GetLongPathNameW", decltype(GetLongPathNameW)> longPath(ERROR_FILE_NOT_FOUND);
+    ExpectFailure<Exception>([&] { PathUtils::GetLongPath(folder.Path()); }, L"vorlek::PathUtils::GetLongPath",
+                             L"GetLongPathNameW failed with: 2");
+    const FailingLaterCalls<"GetShortPathNameW", decltype(GetShortPathNameW)> shortPath(ERROR_FILE_NOT_FOUND);
+    ExpectFailure<Exception>([&] { PathUtils::GetShortPath(folder.Path()); }, L"vorlek::PathUtils::GetShortPath",
+                             L"GetShortPathNameW failed with: 2");
+}
+
+TEST(PathUtils, TextThatGrowsBetweenTheCallsIsReadWhole) {
+    const std::wstring grown(50, L'g');
+    ReplacedImport<"ExpandEnvironmentStringsW", decltype(ExpandEnvironmentStringsW)> expand(
+        [&](LPCWSTR, LPWSTR buffer, DWORD room) -> DWORD {
+            if (room > grown.size()) {
+                buffer[grown.copy(buffer, grown.size())] = L'\0';
+            }
+            return room == 0 ? 10 : static_cast<DWORD>(grown.size() + 1);
+        });
+    EXPECT_EQ(grown, PathUtils::ExpandPath(L"%any%"));
+    EXPECT_EQ(3, expand.Calls());
+}
+
+TEST(PathUtils, ExpansionThatFailsRaises) {
+    const auto raises = [] {
+        ExpectFailure<Exception>([] { PathUtils::ExpandPath(L"%any%"); }, L"vorlek::PathUtils::ExpandPath",
+                                 L"ExpandEnvironmentStringsW failed with: 14");
+    };
+    {
+        const FailingImport<"ExpandEnvironmentStringsW", decltype(ExpandEnvironmentStringsW)> all(ERROR_OUTOFMEMORY);
+        raises();
+    }
+    const FailingLaterCalls<"ExpandEnvironmentStringsW", decltype(ExpandEnvironmentStringsW)> later(ERROR_OUTOFMEMORY);
+    raises();
+}
+
+TEST(PathUtils, DrivesThatTheSystemDoesNotTellRaise) {
+    const auto raises = [] {
+        ExpectFailure<Exception>([] { PathUtils::CanonizePath(L"\\Device\\None\\a"); },
+                                 L"vorlek::PathUtils::CanonizePath", L"GetLogicalDriveStrings failed with: 14");
+    };
+    {
+        const FailingImport<"GetLogicalDriveStringsW", decltype(GetLogicalDriveStringsW)> all(ERROR_OUTOFMEMORY);
+        raises();
+    }
+    const FailingLaterCalls<"GetLogicalDriveStringsW", decltype(GetLogicalDriveStringsW)> later(ERROR_OUTOFMEMORY);
+    raises();
+}
+
+TEST(PathUtils, EachDriveIsAskedForItsDevice) {
+    ReplacedImport<"GetLogicalDriveStringsW", decltype(GetLogicalDriveStringsW)> drives(
+        [](DWORD room, LPWSTR buffer) -> DWORD {
+            const std::wstring roots(L"A:\\\0D:\\\0E:\\\0", 12);
+            if (room == 0) {
+                return 13;
+            }
+            roots.copy(buffer, room);
+            return 12;
+        });
+    std::wstring asked;
+    ReplacedImport<"QueryDosDeviceW", decltype(QueryDosDeviceW)> query(
+        [&](LPCWSTR drive, LPWSTR device, DWORD room) -> DWORD {
+            asked += drive + std::to_wstring(room) + L" ";
+            const std::wstring name = drive == std::wstring(L"D:") ? L"\\Device\\Disk1" : L"\\Device\\Disk10";
+            device[name.copy(device, name.size())] = L'\0';
+            return drive == std::wstring(L"A:") ? 0 : 1; // a drive without a medium
+        });
+    EXPECT_EQ(L"E:\\a", PathUtils::CanonizePath(L"\\Device\\Disk10\\a"));
+    EXPECT_EQ(L"A:1024 D:1024 E:1024 ", asked);
+    EXPECT_EQ(L"D:\\a", PathUtils::CanonizePath(L"\\Device\\Disk1\\a"));
 }
 
 TEST(PathUtils, ExpandsVariablesOfTheEnvironment) {

@@ -10,6 +10,17 @@ using test_support::ExpectFailure;
 using vorlek::Exception;
 using vorlek::StringUtils;
 
+namespace {
+
+/// Letter case in a language where zero is the small form of O.
+template <class T>
+class Zeros_ : public std::ctype<T> {
+protected:
+    T do_tolower(T character) const override { return character == T('O') ? T('0') : character; }
+};
+
+} // namespace
+
 TEST(StringUtils, ConvertsByCodePage) {
     std::string narrow;
     StringUtils::WString2String(L"\x00E9", narrow, 1252);
@@ -49,6 +60,12 @@ TEST(StringUtils, UnknownCodePageRaises) {
             StringUtils::String2WString("x", wide, 54321);
         },
         L"vorlek::StringUtils::String2WString", L"Invalid size!");
+}
+
+TEST(StringUtils, TextLargerThanTheSystemConvertsRaises) {
+    const std::string_view twoGigabytes("", 0x8000'0000); // of which nothing is looked at
+    ExpectFailure<Exception>([&] { StringUtils::FromUtf8(twoGigabytes); }, L"vorlek::StringUtils::FromUtf8",
+                             L"Invalid size!");
 }
 
 TEST(StringUtils, Utf8OfNothingIsNothing) {
@@ -129,6 +146,20 @@ TEST(StringUtils, ComparerFoldsCase) {
     const auto copy = narrow; // NOLINT(performance-unnecessary-copy-initialization): the copy is what is tested
     EXPECT_TRUE(copy('z', 'Z'));
     EXPECT_FALSE(copy('z', 'y'));
+}
+
+TEST(StringUtils, CaseIsThatOfTheLocaleGiven) {
+    // A locale owns its facets.
+    const std::locale locale(std::locale(std::locale(), new Zeros_<wchar_t>), new Zeros_<char>);
+    EXPECT_TRUE(StringUtils::StartsWith(L"Outlook", L"0u", true, locale));
+    EXPECT_FALSE(StringUtils::StartsWith(L"Outlook", L"0u", true));
+    EXPECT_FALSE(StringUtils::StartsWith(L"Outlook", L"0u", false, locale));
+    EXPECT_TRUE(StringUtils::EndsWith(L"FOO", L"00", true, locale));
+    EXPECT_FALSE(StringUtils::EndsWith(L"FOO", L"00", true));
+    EXPECT_TRUE(StringUtils::StartsWith("Outlook", "0u", true, locale));
+    EXPECT_FALSE(StringUtils::StartsWith("Outlook", "0u", true));
+    EXPECT_TRUE(StringUtils::EndsWith("FOO", "00", true, locale));
+    EXPECT_FALSE(StringUtils::EndsWith("FOO", "00", true));
 }
 
 TEST(StringUtils, ReplacesEveryOccurrence) {

@@ -1,5 +1,6 @@
 #include "foundation/TreeRemoval.h"
 
+#include <algorithm>
 #include <filesystem>
 
 #include <gtest/gtest.h>
@@ -8,10 +9,13 @@
 #include "foundation/StringUtils.h"
 #include "tests/support/DebugOutput.h"
 #include "tests/support/ExpectFailure.h"
+#include "tests/support/ReplacedImport.h"
 #include "tests/support/TemporaryFolder.h"
 
 using test_support::DebugOutput;
 using test_support::ExpectFailure;
+using test_support::FailingImport;
+using test_support::ReplacedImport;
 using test_support::TemporaryFolder;
 using test_support::WriteBytes;
 using vorlek::Exception;
@@ -63,6 +67,37 @@ TEST(TreeRemoval, SystemFileStaysAndTheDirectoryWithIt) {
     EXPECT_FALSE(FileUtils::Exists(folder / L"a\\plain"));
 }
 
+TEST(TreeRemoval, SystemDirectoryStaysWithAllItHolds) {
+    const TemporaryFolder folder;
+    std::filesystem::create_directories(folder / L"system");
+    WriteBytes(folder / L"system\\file", "x");
+    FileUtils::SetAttributes(folder / L"system", FILE_ATTRIBUTE_SYSTEM);
+    ASSERT_NE(0u, GetFileAttributesW((folder / L"system").c_str()) & FILE_ATTRIBUTE_SYSTEM);
+    FileUtils::RemoveAllFiles(folder.Path(), false);
+    EXPECT_TRUE(FileUtils::Exists(folder / L"system\\file"));
+}
+
+TEST(TreeRemoval, ReadOnlyDirectoryGoes) {
+    const TemporaryFolder folder;
+    std::vector<std::pair<std::wstring, DWORD>> set;
+    ReplacedImport<"SetFileAttributesW", decltype(SetFileAttributesW)> change([&](LPCWSTR path, DWORD attributes) {
+        set.emplace_back(path, attributes);
+        return change.Original(path, attributes);
+    });
+    std::filesystem::create_directories(folder / L"a");
+    FileUtils::RemoveAllFiles(folder / L"a", true);
+    EXPECT_FALSE(FileUtils::Exists(folder / L"a"));
+    EXPECT_EQ((std::vector<std::pair<std::wstring, DWORD>>{{(folder / L"a\\").wstring(), 128}}), set);
+}
+
+TEST(TreeRemoval, FileOfAnyNameGoes) {
+    const TemporaryFolder folder;
+    std::filesystem::create_directory(folder / L"\x017C\x00F3\x0142w");
+    WriteBytes(folder / L"\x017C\x00F3\x0142w\\\x05D0\xD83D\xDE00 %s%n", "x");
+    FileUtils::RemoveAllFiles(folder.Path(), false);
+    EXPECT_TRUE(std::filesystem::is_empty(folder.Path()));
+}
+
 TEST(TreeRemoval, FileInUseIsLeftAndTheRestGoes) {
     const TemporaryFolder folder;
     for (const wchar_t* name : {L"a", L"b", L"c"}) {
@@ -91,6 +126,30 @@ TEST(TreeRemoval, MissingDirectoryRaises) {
     EXPECT_EQ("RemoveAllFiles FindFirstFile has failed with 3.  Do a throw\n", output.Lines().back());
 }
 
+TEST(TreeRemoval, AttributesThatCannotBeReadRaise) {
+    const TemporaryFolder folder;
+    WriteBytes(folder / L"file", "x");
+    {
+        const FailingImport<"GetFileAttributesW", decltype(GetFileAttributesW)> ask(ERROR_ACCESS_DENIED,
+                                                                                    INVALID_FILE_ATTRIBUTES);
+        ExpectFailure<Exception>([&] { FileUtils::RemoveAllFiles(folder.Path(), true); },
+                                 L"vorlek::FileUtils::RemoveAllFiles", L"GetFileAttributesW has failed with: 5");
+    }
+    EXPECT_TRUE(FileUtils::Exists(folder / L"file"));
+}
+
+TEST(TreeRemoval, ListingWithoutAnyEntryEndsQuietly) {
+    for (const DWORD none : {ERROR_NO_MORE_FILES, ERROR_FILE_NOT_FOUND}) {
+        const TemporaryFolder folder;
+        std::filesystem::create_directory(folder / L"a");
+        const FailingImport<"FindFirstFileW", decltype(FindFirstFileW)> first(none, INVALID_HANDLE_VALUE);
+        EXPECT_NO_THROW(FileUtils::RemoveAllFiles(folder / L"a", false));
+        EXPECT_TRUE(FileUtils::Exists(folder / L"a"));
+        EXPECT_NO_THROW(FileUtils::RemoveAllFiles(folder / L"a", true));
+        EXPECT_FALSE(FileUtils::Exists(folder / L"a"));
+    }
+}
+
 TEST(TreeRemoval, RemovesATreeDeeperThanTheSystemsLimit) {
     const TemporaryFolder folder;
     const std::wstring part(120, L'd');
@@ -102,8 +161,11 @@ TEST(TreeRemoval, RemovesATreeDeeperThanTheSystemsLimit) {
     const HANDLE file = CreateFileW((path + L"\\file").c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr);
     ASSERT_NE(INVALID_HANDLE_VALUE, file);
     CloseHandle(file);
+    const DebugOutput output;
     FileUtils::RemoveAllFiles(folder.Path(), false);
     EXPECT_TRUE(std::filesystem::is_empty(folder.Path()));
+    const auto longest = std::ranges::max_element(output.Lines(), {}, &std::string::size);
+    EXPECT_EQ(255u, longest->size()) << "the trail is cut, not the process ended";
 }
 
 TEST(TreeRemoval, LeavesATrailForADebugger) {

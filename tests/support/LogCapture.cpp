@@ -16,8 +16,11 @@ public:
     void close() override {}
     bool requiresLayout() const override { return false; }
     void append(const log4cxx::spi::LoggingEventPtr& event, log4cxx::helpers::Pool&) override {
+        const log4cxx::spi::LocationInfo& site = event->getLocationInformation();
         const vorlek::Lock lock(section);
-        lines.push_back({event->getLevel()->toString(), event->getLoggerName(), event->getRenderedMessage()});
+        lines.push_back(
+            {event->getLevel()->toString(), event->getLoggerName(), event->getRenderedMessage(),
+             site.getShortFileName() + ("(" + std::to_string(site.getLineNumber())) + "): " + site.getMethodName()});
     }
 
     mutable vorlek::CriticalSection section;

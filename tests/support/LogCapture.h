@@ -11,6 +11,7 @@ struct LogLine {
     std::wstring level; ///< "INFO" and the like
     std::wstring logger;
     std::wstring text;
+    std::string site; ///< "File.cpp(17): Function"
 };
 
 /// Collects what is logged while it lives, from the lowest level up, in place of any other destination.

@@ -67,4 +67,22 @@ public:
           }) {}
 };
 
+/// While it lives, every call of the function but the first fails with the error: as when the system tells the
+/// room that a text needs and then not the text.
+template <ImportName Name, class Signature>
+class FailingLaterCalls;
+
+template <ImportName Name, class Result, class... Arguments>
+class FailingLaterCalls<Name, Result(Arguments...)> : public ReplacedImport<Name, Result(Arguments...)> {
+public:
+    explicit FailingLaterCalls(DWORD error)
+        : ReplacedImport<Name, Result(Arguments...)>([this, error](Arguments... arguments) {
+              if (this->Calls() == 1) {
+                  return this->Original(arguments...);
+              }
+              SetLastError(error);
+              return Result{};
+          }) {}
+};
+
 } // namespace test_support
