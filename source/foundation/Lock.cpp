@@ -1,5 +1,7 @@
 #include "foundation/Lock.h"
 
+#include <exception>
+
 namespace vorlek {
 
 Lock::Lock(Lockable& target) : target_(&target) {
@@ -8,8 +10,16 @@ Lock::Lock(Lockable& target) : target_(&target) {
 }
 
 Lock::~Lock() noexcept(false) {
-    if (locked_) {
+    if (!locked_) {
+        return;
+    }
+    try {
         target_->Unlock();
+    } catch (...) {
+        // Where a failure leaves the scope already, a second one would end the process.
+        if (std::uncaught_exceptions() == 0) {
+            throw;
+        }
     }
 }
 

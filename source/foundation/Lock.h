@@ -11,7 +11,7 @@ public:
     explicit Lock(Lockable& target);
     Lock(const Lock&) = delete;
     Lock& operator=(const Lock&) = delete;
-    /// Releases what was taken; a failure of the target passes.
+    /// Releases what was taken; a failure of the target passes, unless another one leaves the scope already.
     virtual ~Lock() noexcept(false);
 
 private:

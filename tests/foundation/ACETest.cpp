@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "foundation/Exception.h"
+#include "tests/support/SecurityBytes.h"
 
 namespace {
 
@@ -17,6 +18,43 @@ std::wstring Words_(int type, int rights, int subject) {
     } catch (const vorlek::Exception& failure) {
         return failure.GetExceptionName() + L": " + failure.GetLocation() + L": " + failure.GetMessage();
     }
+}
+
+/// An entry as the system holds it.
+struct SystemEntry {
+    BYTE type;
+    BYTE flags;
+    DWORD rights;
+    std::vector<BYTE> subject;
+    bool operator==(const SystemEntry&) const = default;
+};
+
+constexpr BYTE kInherited = OBJECT_INHERIT_ACE | CONTAINER_INHERIT_ACE;
+
+std::vector<BYTE> SidBytes_(PSID sid) {
+    const auto* bytes = static_cast<const BYTE*>(sid);
+    return {bytes, bytes + GetLengthSid(sid)};
+}
+
+std::vector<BYTE> WellKnown_(WELL_KNOWN_SID_TYPE type) {
+    std::vector<BYTE> sid(SECURITY_MAX_SID_SIZE);
+    auto size = static_cast<DWORD>(sid.size());
+    EXPECT_TRUE(CreateWellKnownSid(type, nullptr, sid.data(), &size));
+    sid.resize(size);
+    return sid;
+}
+
+/// What the system's own conversion makes of the one entry of a list.
+SystemEntry Converted_(const std::wstring& list) {
+    std::vector<BYTE> descriptor = test_support::SecurityBytes(list);
+    BOOL present = FALSE;
+    BOOL defaulted = FALSE;
+    ACL* entries = nullptr;
+    const auto get = list.starts_with(L'D') ? GetSecurityDescriptorDacl : GetSecurityDescriptorSacl;
+    EXPECT_TRUE(get(descriptor.data(), &present, &entries, &defaulted));
+    ACCESS_ALLOWED_ACE* entry = nullptr; // all kinds used here have this shape
+    EXPECT_TRUE(GetAce(entries, 0, reinterpret_cast<void**>(&entry)));
+    return {entry->Header.AceType, entry->Header.AceFlags, entry->Mask, SidBytes_(&entry->SidStart)};
 }
 
 } // namespace
@@ -51,4 +89,31 @@ TEST(ACE, AllowAndMandatoryEntriesSetTheirType) {
     EXPECT_EQ(AACE(ACERights::GenericReadWriteExecute, ACESubject::AuthenticatedUsers).ToString(),
               L"(A;OICI;GRGWGX;;;AU)");
     EXPECT_EQ(MACE(ACERights::NoWriteUp, ACESubject::LowIntegrity).ToString(), L"(ML;OICI;NW;;;LW)");
+}
+
+TEST(ACE, SystemReadsEveryTypeAsWhatItIs) {
+    const std::vector<BYTE> everyone = WellKnown_(WinWorldSid);
+    EXPECT_EQ(Converted_(L"D:" + Words_(0, 0, 4)),
+              (SystemEntry{ACCESS_ALLOWED_ACE_TYPE, kInherited, GENERIC_ALL, everyone}));
+    EXPECT_EQ(Converted_(L"D:" + Words_(1, 0, 4)),
+              (SystemEntry{ACCESS_DENIED_ACE_TYPE, kInherited, GENERIC_ALL, everyone}));
+    EXPECT_EQ(Converted_(L"S:" + Words_(2, 5, 6)),
+              (SystemEntry{SYSTEM_MANDATORY_LABEL_ACE_TYPE, kInherited, SYSTEM_MANDATORY_LABEL_NO_WRITE_UP,
+                           WellKnown_(WinLowLabelSid)}));
+}
+
+TEST(ACE, SystemReadsEveryRightAsWhatItIs) {
+    const DWORD rights[] = {GENERIC_ALL, GENERIC_READ, GENERIC_WRITE, GENERIC_EXECUTE,
+                            GENERIC_READ | GENERIC_WRITE | GENERIC_EXECUTE};
+    for (int number = 0; number < 5; ++number) {
+        EXPECT_EQ(Converted_(L"D:" + Words_(0, number, 4)).rights, rights[number]) << number;
+    }
+}
+
+TEST(ACE, SystemReadsEverySubjectAsWhoItIs) {
+    const WELL_KNOWN_SID_TYPE subjects[] = {WinAuthenticatedUserSid, WinBuiltinUsersSid, WinBuiltinAdministratorsSid,
+                                            WinLocalSystemSid,       WinWorldSid,        WinRestrictedCodeSid};
+    for (int number = 0; number < 6; ++number) {
+        EXPECT_EQ(Converted_(L"D:" + Words_(0, 0, number)).subject, WellKnown_(subjects[number])) << number;
+    }
 }

@@ -1,11 +1,16 @@
 #include "foundation/CriticalSection.h"
 
+#include <memory>
+#include <vector>
+
 #include <gtest/gtest.h>
 
 #include "foundation/Lock.h"
+#include "tests/support/ReplacedImport.h"
 #include "tests/support/Threads.h"
 
 using namespace vorlek;
+using test_support::ReplacedImport;
 
 TEST(CriticalSection, OwnerMayTakeItAgain) {
     CriticalSection section;
@@ -24,4 +29,23 @@ TEST(CriticalSection, KeepsOtherThreadsOut) {
         }
     });
     EXPECT_EQ(counter, 4 * kTurns);
+}
+
+TEST(CriticalSection, TellsTheSystemOfItsBeginningAndItsEnd) {
+    std::vector<CRITICAL_SECTION*> made;
+    std::vector<CRITICAL_SECTION*> deleted;
+    ReplacedImport<"InitializeCriticalSection", decltype(InitializeCriticalSection)> make(
+        [&](CRITICAL_SECTION* section) {
+            made.push_back(section);
+            make.Original(section);
+        });
+    ReplacedImport<"DeleteCriticalSection", decltype(DeleteCriticalSection)> remove([&](CRITICAL_SECTION* section) {
+        deleted.push_back(section);
+        remove.Original(section);
+    });
+    std::unique_ptr<Lockable> section = std::make_unique<CriticalSection>();
+    ASSERT_EQ(made.size(), 1U);
+    EXPECT_TRUE(deleted.empty());
+    section.reset();
+    EXPECT_EQ(deleted, made);
 }

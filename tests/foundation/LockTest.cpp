@@ -62,3 +62,15 @@ TEST(Lock, FailureToUnlockReachesTheCaller) {
     recorder.failsToUnlock = true;
     EXPECT_THROW(const Lock guard(recorder), Exception);
 }
+
+TEST(Lock, FailureToUnlockGivesWayToTheFailureThatLeavesTheScope) {
+    Recorder recorder;
+    recorder.failsToUnlock = true;
+    EXPECT_THROW(
+        {
+            const Lock guard(recorder);
+            throw 5;
+        },
+        int);
+    EXPECT_EQ(recorder.calls, L"Lock Unlock ");
+}

@@ -1,7 +1,8 @@
 #include "foundation/NamedMutex.h"
 
-#include <atomic>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <sddl.h>
@@ -9,10 +10,14 @@
 #include "foundation/Exception.h"
 #include "foundation/Lock.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/OpenHandles.h"
+#include "tests/support/ReplacedImport.h"
 #include "tests/support/Threads.h"
 
 using namespace vorlek;
 using test_support::ChildProcess;
+using test_support::FailingImport;
+using test_support::ReplacedImport;
 
 namespace {
 
@@ -34,7 +39,8 @@ std::wstring Words_(const Action& action) {
 bool IsFree_(NamedMutex& mutex, const std::wstring& fullName) {
     bool isFree = false;
     test_support::RunThreads(1, [&](int) {
-        const HANDLE handle = OpenMutexW(SYNCHRONIZE | MUTEX_MODIFY_STATE, FALSE, fullName.c_str());
+        const HANDLE handle = OpenMutexW(SYNCHRONIZE, FALSE, fullName.c_str());
+        EXPECT_NE(handle, nullptr);
         isFree = WaitForSingleObject(handle, 0) == WAIT_OBJECT_0;
         if (isFree) {
             ReleaseMutex(handle);
@@ -45,14 +51,14 @@ bool IsFree_(NamedMutex& mutex, const std::wstring& fullName) {
     return isFree;
 }
 
-/// A mutex as another user would leave it: with an access list of its own.
+/// A mutex as another user would leave it: everyone may wait for it, and no more.
 class ForeignMutex {
 public:
-    ForeignMutex(const std::wstring& name, const wchar_t* accessList) {
+    explicit ForeignMutex(const std::wstring& name, bool isOwned = false) {
         SECURITY_ATTRIBUTES attributes{sizeof(attributes), nullptr, FALSE};
-        ConvertStringSecurityDescriptorToSecurityDescriptorW(accessList, SDDL_REVISION_1,
+        ConvertStringSecurityDescriptorToSecurityDescriptorW(L"D:(A;;0x00100000;;;WD)", SDDL_REVISION_1,
                                                              &attributes.lpSecurityDescriptor, nullptr);
-        handle_ = CreateMutexW(&attributes, FALSE, name.c_str());
+        handle_ = CreateMutexW(&attributes, isOwned, name.c_str());
         LocalFree(attributes.lpSecurityDescriptor);
     }
     ForeignMutex(const ForeignMutex&) = delete;
@@ -72,7 +78,14 @@ std::wstring HoldMutex_(const std::wstring& name) {
     test_support::WaitToBeKilled();
 }
 
+std::wstring HoldForeignMutex_(const std::wstring& name) {
+    const ForeignMutex mutex(name, true);
+    test_support::SayReady();
+    test_support::WaitToBeKilled();
+}
+
 const test_support::ChildRoleName holdMutex(L"HoldMutex", HoldMutex_);
+const test_support::ChildRoleName holdForeignMutex(L"HoldForeignMutex", HoldForeignMutex_);
 
 } // namespace
 
@@ -130,30 +143,86 @@ TEST(NamedMutex, AbandonedByAKilledProcessIsAcquired) {
 
 TEST(NamedMutex, ForeignMutexThatGrantsOnlyWaitingIsJoined) {
     const std::wstring name = UniqueName_();
-    const ForeignMutex foreign(name, L"D:(A;;0x00100000;;;WD)");
+    const ForeignMutex foreign(name);
     ASSERT_EQ(CreateMutexW(nullptr, FALSE, name.c_str()), nullptr);
     ASSERT_EQ(GetLastError(), DWORD{ERROR_ACCESS_DENIED});
     NamedMutex mutex(name, false);
     mutex.Lock();
     test_support::RunThreads(1, [&](int) { EXPECT_EQ(WaitForSingleObject(foreign.Handle(), 0), DWORD{WAIT_TIMEOUT}); });
+    mutex.Unlock();
+    test_support::RunThreads(1,
+                             [&](int) { EXPECT_EQ(WaitForSingleObject(foreign.Handle(), 0), DWORD{WAIT_OBJECT_0}); });
+}
+
+TEST(NamedMutex, MutexThatAnotherProcessGuardsIsWaitedFor) {
+    const std::wstring name = UniqueName_();
+    ChildProcess child(L"HoldForeignMutex", name);
+    child.WaitUntilReady();
+    NamedMutex mutex(name, false);
+    EXPECT_FALSE(IsFree_(mutex, name));
+    child.Terminate();
+    EXPECT_NO_THROW(mutex.Lock());
+}
+
+TEST(NamedMutex, ForeignMutexIsOpenedToWaitAndForNothingElse) {
+    const std::wstring name = UniqueName_();
+    const ForeignMutex foreign(name);
+    DWORD asked = 0;
+    ReplacedImport<"OpenMutexW", decltype(OpenMutexW)> open([&](DWORD access, BOOL inherit, const wchar_t* fullName) {
+        asked = access;
+        EXPECT_FALSE(inherit);
+        EXPECT_EQ(fullName, name);
+        return open.Original(access, inherit, fullName);
+    });
+    const NamedMutex mutex(name, false);
+    EXPECT_EQ(asked, DWORD{SYNCHRONIZE});
 }
 
 TEST(NamedMutex, ForeignMutexThatGoesBeforeItIsJoinedRaises) {
     const std::wstring name = UniqueName_();
-    std::atomic<bool> seen = false;
-    std::wstring words;
-    test_support::RunThreads(2, [&](int thread) {
-        while (!seen) {
-            if (thread == 0) {
-                const ForeignMutex foreign(name, L"D:(A;;0x00100000;;;WD)");
-                continue;
-            }
-            words = Words_([&] { NamedMutex mutex(name, false); });
-            seen = words != L"nothing raised";
-        }
+    auto foreign = std::make_unique<ForeignMutex>(name);
+    ReplacedImport<"OpenMutexW", decltype(OpenMutexW)> open([&](DWORD access, BOOL inherit, const wchar_t* fullName) {
+        foreign.reset();
+        return open.Original(access, inherit, fullName);
     });
-    EXPECT_EQ(words,
+    EXPECT_EQ(Words_([&] { NamedMutex mutex(name, false); }),
               L"Exception: vorlek::NamedMutex::NamedMutex: Failed to open named mutex \"" + name + L"\" with: 2");
+}
+
+TEST(NamedMutex, SystemIsAskedForAMutexThatNobodyOwnsYet) {
+    struct Asked {
+        SECURITY_ATTRIBUTES* attributes;
+        BOOL isOwned;
+        std::wstring name;
+        bool operator==(const Asked&) const = default;
+    };
+    std::vector<Asked> asked;
+    ReplacedImport<"CreateMutexW", decltype(CreateMutexW)> create(
+        [&](SECURITY_ATTRIBUTES* attributes, BOOL isOwned, const wchar_t* name) {
+            asked.push_back({attributes, isOwned, name == nullptr ? L"null" : name});
+            return create.Original(attributes, isOwned, name);
+        });
+    const NamedMutex anonymous(L"", true);
+    const NamedMutex global(UniqueName_(), true);
+    EXPECT_EQ(asked, (std::vector<Asked>{{nullptr, FALSE, L"null"}, {nullptr, FALSE, L"Global\\" + UniqueName_()}}));
+}
+
+TEST(NamedMutex, MutexThatCannotBeMadeRaises) {
+    const FailingImport<"CreateMutexW", decltype(CreateMutexW)> create(ERROR_NOT_ENOUGH_MEMORY);
+    const FailingImport<"OpenMutexW", decltype(OpenMutexW)> open(ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(Words_([] { NamedMutex mutex(L"", false); }),
+              L"Exception: vorlek::NamedMutex::NamedMutex: Failed to create mutex with: 8");
+    EXPECT_EQ(Words_([] { NamedMutex mutex(L"name", true); }),
+              L"Exception: vorlek::NamedMutex::NamedMutex: Failed to create named mutex \"name\" with: 8");
+    EXPECT_EQ(open.Calls(), 0);
+}
+
+TEST(NamedMutex, AnonymousMutexThatIsRefusedIsNotLookedFor) {
+    const FailingImport<"CreateMutexW", decltype(CreateMutexW)> create(ERROR_ACCESS_DENIED);
+    const FailingImport<"OpenMutexW", decltype(OpenMutexW)> open(ERROR_FILE_NOT_FOUND);
+    EXPECT_EQ(Words_([] { NamedMutex mutex(L"", false); }),
+              L"Exception: vorlek::NamedMutex::NamedMutex: Failed to create mutex with: 5");
+    EXPECT_EQ(open.Calls(), 0);
 }
 
 TEST(NamedMutex, NameOfAnotherKindOfObjectRaises) {
@@ -170,14 +239,30 @@ TEST(NamedMutex, UnlockByAnotherThanTheOwnerRaises) {
               L"Exception: vorlek::NamedMutex::Unlock: ReleaseMutex failed with error: 288");
 }
 
-TEST(NamedMutex, WaitThatFailsRaisesAndLeavesNothingToUnlock) {
-    // The system gives out the handle that was closed last, which tells the mutex's own.
-    const HANDLE next = CreateEventW(nullptr, TRUE, FALSE, nullptr);
-    CloseHandle(next);
+TEST(NamedMutex, WaitHasNoLimit) {
     NamedMutex mutex(L"", false);
-    ASSERT_EQ(WaitForSingleObject(next, 0), DWORD{WAIT_OBJECT_0});
-    ReleaseMutex(next);
-    CloseHandle(next);
+    DWORD limit = 0;
+    ReplacedImport<"WaitForSingleObject", decltype(WaitForSingleObject)> wait([&](HANDLE handle, DWORD milliseconds) {
+        limit = milliseconds;
+        return wait.Original(handle, milliseconds);
+    });
+    const Lock guard(mutex);
+    EXPECT_EQ(limit, DWORD{INFINITE});
+}
+
+TEST(NamedMutex, WaitThatFailsRaisesAndLeavesNothingToUnlock) {
+    NamedMutex mutex(L"", false);
+    const FailingImport<"WaitForSingleObject", decltype(WaitForSingleObject)> wait(ERROR_INVALID_HANDLE, WAIT_FAILED);
+    const FailingImport<"ReleaseMutex", decltype(ReleaseMutex)> release(ERROR_NOT_OWNER);
     EXPECT_EQ(Words_([&] { const Lock guard(mutex); }),
               L"Exception: vorlek::NamedMutex::Lock: WaitForSingleObject failed, return code: 4294967295");
+    EXPECT_EQ(release.Calls(), 0);
+}
+
+TEST(NamedMutex, ClosesItsHandleHoweverItIsReached) {
+    const DWORD before = test_support::CountOpenHandles();
+    std::unique_ptr<Lockable> mutex = std::make_unique<NamedMutex>(L"", false);
+    EXPECT_EQ(test_support::CountOpenHandles(), before + 1);
+    mutex.reset();
+    EXPECT_EQ(test_support::CountOpenHandles(), before);
 }

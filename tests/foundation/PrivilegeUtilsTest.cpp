@@ -161,6 +161,17 @@ TEST_F(PrivilegeUtilsTest, ImpersonationThatFailsRaises) {
                              L"ImpersonateSelf failed with 5");
 }
 
+TEST_F(PrivilegeUtilsTest, PrivilegeIsLookedUpOnThisMachine) {
+    ReplacedImport<"LookupPrivilegeValueW", decltype(LookupPrivilegeValueW)> lookup(
+        [&](const wchar_t* system, const wchar_t* name, LUID* privilege) {
+            EXPECT_EQ(nullptr, system);
+            EXPECT_STREQ(L"SeBackupPrivilege", name);
+            return lookup.Original(system, name, privilege);
+        });
+    PrivilegeUtils::SetPrivilege(L"SeBackupPrivilege", true);
+    EXPECT_EQ(1, lookup.Calls());
+}
+
 TEST_F(PrivilegeUtilsTest, UnknownPrivilegeRaises) {
     ExpectFailure<Exception>([] { PrivilegeUtils::SetPrivilege(L"SeNoSuchPrivilege", true); }, kLocation,
                              L"LookupPrivilegeValue failed with 1313");

@@ -10,6 +10,7 @@
 #include "foundation/AutoHandle.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/ExpectFailure.h"
+#include "tests/support/OpenHandles.h"
 #include "tests/support/ProgramOnXp.h"
 #include "tests/support/ReplacedImport.h"
 #include "tests/support/TemporaryFolder.h"
@@ -484,13 +485,10 @@ TEST_F(ProcessUtilsTest, ExecuteRaisesWhereTheWaitOrTheCodeFails) {
 
 TEST_F(ProcessUtilsTest, ExecuteKeepsNoHandle) {
     ProcessUtils::Execute(L"cmd.exe /c exit 7", true);
-    DWORD before = 0;
-    DWORD after = 0;
-    GetProcessHandleCount(GetCurrentProcess(), &before);
+    const DWORD before = test_support::CountOpenHandles();
     ProcessUtils::Execute(L"cmd.exe /c exit 7", true);
     ProcessUtils::Execute(L"cmd.exe /c exit 7", false);
-    GetProcessHandleCount(GetCurrentProcess(), &after);
-    EXPECT_EQ(before, after);
+    EXPECT_EQ(before, test_support::CountOpenHandles());
 }
 
 TEST_F(ProcessUtilsTest, ExecuteShellWaitsForTheExitCodeOnRequest) {
@@ -509,6 +507,12 @@ TEST_F(ProcessUtilsTest, ExecuteShellHasNothingToWaitForWithoutAProcess) {
         return TRUE;
     });
     EXPECT_EQ(std::nullopt, ProcessUtils::ExecuteShell(L"report.txt", L"", true));
+}
+
+TEST_F(ProcessUtilsTest, ExecuteShellRaisesWhereTheWaitFails) {
+    const FailingImport<"WaitForSingleObject", decltype(WaitForSingleObject)> wait(ERROR_INVALID_HANDLE, WAIT_FAILED);
+    ExpectFailure<Exception>([] { ProcessUtils::ExecuteShell(L"cmd.exe", L"/c exit 8", true); },
+                             L"vorlek::ProcessUtils::ExecuteShell", L"WaitForSingleObject failed with: 6");
 }
 
 TEST_F(ProcessUtilsTest, ExecuteShellOfNoFileRaises) {

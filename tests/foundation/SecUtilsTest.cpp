@@ -2,14 +2,18 @@
 
 #include <aclapi.h>
 #include <gtest/gtest.h>
+#include <sddl.h>
 
 #include "foundation/Exception.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/ProgramOnXp.h"
+#include "tests/support/ReplacedImport.h"
 #include "tests/support/SecurityBytes.h"
 #include "tests/support/TemporaryFolder.h"
 
+using test_support::ReplacedImport;
 using test_support::SecurityBytes;
+using test_support::SecurityText;
 using test_support::TemporaryFolder;
 
 namespace {
@@ -34,6 +38,18 @@ std::wstring KindThree_(const std::wstring& /*argument*/) {
 }
 
 const test_support::ChildRoleName kindThree(L"KindThree", KindThree_);
+
+/// The text of a kind as the system is given it, and the system's own text of what came of it.
+std::pair<std::wstring, std::wstring> Texts_(std::uint32_t kind) {
+    std::wstring given;
+    ReplacedImport<"ConvertStringSecurityDescriptorToSecurityDescriptorW",
+                   decltype(ConvertStringSecurityDescriptorToSecurityDescriptorW)>
+        convert([&](const wchar_t* text, DWORD revision, PSECURITY_DESCRIPTOR* descriptor, ULONG* size) {
+            given = text;
+            return convert.Original(text, revision, descriptor, size);
+        });
+    return {given, SecurityText(SecUtils::GenSA(kind)->GetSecurityAttributes()->lpSecurityDescriptor)};
+}
 
 /// Whether an entry of the object's list lets everyone write.
 bool EveryoneMayWrite_(const std::filesystem::path& path) {
@@ -75,6 +91,17 @@ TEST(SecUtils, KindThreeHasNoLabelBelowVista) {
     EXPECT_EQ(std::vector<BYTE>(result.begin(), result.end()), SecurityBytes(L"D:(A;OICI;GA;;;WD)(A;OICI;GA;;;RC)"));
 }
 
+TEST(SecUtils, EveryKindIsRenderedAndComesBackFromTheSystem) {
+    using Texts = std::pair<std::wstring, std::wstring>;
+    EXPECT_EQ(Texts_(0), (Texts{L"D:", L"D:"}));
+    // The system has an order of its own for the rights of an entry.
+    EXPECT_EQ(Texts_(1), (Texts{L"D:(A;OICI;GRGWGX;;;AU)(A;OICI;GA;;;BU)", L"D:(A;OICI;GXGWGR;;;AU)(A;OICI;GA;;;BU)"}));
+    const std::wstring two = L"D:(A;OICI;GA;;;SY)(A;OICI;GR;;;WD)(A;OICI;GR;;;RC)";
+    EXPECT_EQ(Texts_(2), (Texts{two, two}));
+    const std::wstring three = L"D:(A;OICI;GA;;;WD)(A;OICI;GA;;;RC)";
+    EXPECT_EQ(Texts_(3), (Texts{three + L"S:(ML;OICI;NW;;;LW)", three}));
+}
+
 TEST(SecUtils, NoKindInheritsHandles) {
     for (std::uint32_t kind = 0; kind <= 3; ++kind) {
         EXPECT_FALSE(SecUtils::GenSA(kind)->GetSecurityAttributes()->bInheritHandle);
@@ -95,6 +122,29 @@ TEST(SecUtils, ObjectGetsTheListOfTheAttributes) {
     EXPECT_FALSE(EveryoneMayWrite_(folder.Path()));
     SecUtils::SetObjectSecurity(SE_FILE_OBJECT, folder.Path(), *SecUtils::GenSA(3));
     EXPECT_TRUE(EveryoneMayWrite_(folder.Path()));
+}
+
+TEST(SecUtils, NothingButTheListOfAnObjectIsSet) {
+    const auto attributes = SecUtils::GenSA(3);
+    ReplacedImport<"SetNamedSecurityInfoW", decltype(SetNamedSecurityInfoW)> set(
+        [&](wchar_t* name, SE_OBJECT_TYPE type, SECURITY_INFORMATION what, PSID owner, PSID group, ACL* dacl,
+            ACL* sacl) {
+            EXPECT_STREQ(name, L"name");
+            EXPECT_EQ(type, SE_KERNEL_OBJECT);
+            EXPECT_EQ(what, 4U);
+            EXPECT_EQ(owner, nullptr);
+            EXPECT_EQ(group, nullptr);
+            EXPECT_EQ(sacl, nullptr);
+            BOOL present = FALSE;
+            BOOL defaulted = FALSE;
+            ACL* own = nullptr;
+            GetSecurityDescriptorDacl(attributes->GetSecurityAttributes()->lpSecurityDescriptor, &present, &own,
+                                      &defaulted);
+            EXPECT_EQ(dacl, own);
+            return DWORD{ERROR_SUCCESS};
+        });
+    SecUtils::SetObjectSecurity(SE_KERNEL_OBJECT, L"name", *attributes);
+    EXPECT_EQ(set.Calls(), 1);
 }
 
 TEST(SecUtils, MissingObjectRaisesNotFound) {

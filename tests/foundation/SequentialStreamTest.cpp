@@ -5,6 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/NoMemory.h"
+#include "tests/support/Threads.h"
+
 using vorlek::SequentialStream;
 
 namespace {
@@ -93,4 +96,27 @@ TEST_F(SequentialStreamTest, DoesNotReportAFailureOfTheStream) {
     wchar_t buffer[2] = {};
     EXPECT_EQ(S_OK, stream_->Read(buffer, 4, &count));
     EXPECT_EQ(0u, count);
+}
+
+TEST_F(SequentialStreamTest, CountsTheReferencesOfManyThreads) {
+    constexpr int kTurns = 50000;
+    test_support::RunThreads(4, [&](int) {
+        for (int turn = 0; turn < kTurns; ++turn) {
+            stream_->AddRef();
+        }
+    });
+    EXPECT_EQ(4u * kTurns + 2, stream_->AddRef());
+    test_support::RunThreads(4, [&](int) {
+        for (int turn = 0; turn < kTurns; ++turn) {
+            stream_->Release();
+        }
+    });
+    EXPECT_EQ(1u, stream_->Release());
+}
+
+TEST_F(SequentialStreamTest, StreamThatFindsNoMemoryIsNotMade) {
+    const test_support::NoMemory noMemory(sizeof(SequentialStream));
+    ISequentialStream* created = stream_;
+    EXPECT_EQ(E_FAIL, SequentialStream::CreateStream(text_, &created));
+    EXPECT_EQ(nullptr, created);
 }

@@ -9,8 +9,11 @@
 #include "foundation/Exception.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/ReplacedImport.h"
 
 using test_support::ChildProcess;
+using test_support::FailingImport;
+using test_support::ReplacedImport;
 using vorlek::Exception;
 
 namespace {
@@ -43,7 +46,8 @@ DWORD Protection_(const SharedMemory& memory) {
 std::wstring ReadSection_(const std::wstring& name) {
     const SharedMemory memory(name, true);
     const std::wstring read(memory.GetData(), memory.GetData() + 4);
-    return read + L" " + Words_([&] { SharedMemory writable(name, false); });
+    return read + (Protection_(memory) == PAGE_READONLY ? L", read-only, " : L", writable, ") +
+           Words_([&] { SharedMemory writable(name, false); });
 }
 
 std::wstring HoldSection_(const std::wstring& name) {
@@ -83,11 +87,59 @@ TEST(SharedMemory, ReadOnlyMappingCannotBeWritten) {
     EXPECT_EQ(Protection_(opened), DWORD{PAGE_READONLY});
 }
 
+TEST(SharedMemory, IsCreatedInThePagingFileWithItsProtectionAndSize) {
+    std::vector<DWORD> protections;
+    ReplacedImport<"CreateFileMappingW", decltype(CreateFileMappingW)> create(
+        [&](HANDLE file, SECURITY_ATTRIBUTES* attributes, DWORD protection, DWORD high, DWORD low,
+            const wchar_t* name) {
+            EXPECT_EQ(file, INVALID_HANDLE_VALUE);
+            EXPECT_EQ(high, 0U);
+            EXPECT_EQ(low, 64U);
+            EXPECT_EQ(name, UniqueName_());
+            protections.push_back(protection);
+            return create.Original(file, attributes, protection, high, low, name);
+        });
+    { const SharedMemory writable(UniqueName_(), 64, kAllForEveryone, false); }
+    { const SharedMemory readable(UniqueName_(), 64, kAllForEveryone, true); }
+    EXPECT_EQ(protections, (std::vector<DWORD>{PAGE_READWRITE, PAGE_READONLY}));
+}
+
+TEST(SharedMemory, IsMappedWholeByWhoOpensIt) {
+    constexpr std::size_t kThreePages = 3 * 4096;
+    const SharedMemory created(UniqueName_(), kThreePages, kAllForEveryone, false);
+    const SharedMemory opened(UniqueName_(), true);
+    MEMORY_BASIC_INFORMATION pages{};
+    VirtualQuery(opened.GetData(), &pages, sizeof(pages));
+    EXPECT_EQ(pages.RegionSize, kThreePages);
+    created.GetData()[kThreePages - 1] = 9;
+    EXPECT_EQ(opened.GetData()[kThreePages - 1], 9);
+}
+
+TEST(SharedMemory, IsOpenedAndMappedWithTheSameAccess) {
+    const SharedMemory created(UniqueName_(), 64, kAllForEveryone, false);
+    std::vector<DWORD> asked;
+    ReplacedImport<"OpenFileMappingW", decltype(OpenFileMappingW)> open(
+        [&](DWORD access, BOOL inherit, const wchar_t* name) {
+            EXPECT_FALSE(inherit);
+            asked.push_back(access);
+            return open.Original(access, inherit, name);
+        });
+    ReplacedImport<"MapViewOfFile", decltype(MapViewOfFile)> map(
+        [&](HANDLE section, DWORD access, DWORD high, DWORD low, SIZE_T size) {
+            EXPECT_EQ((std::vector<SIZE_T>{high, low, size}), (std::vector<SIZE_T>{0, 0, 0}));
+            asked.push_back(access);
+            return map.Original(section, access, high, low, size);
+        });
+    const SharedMemory reader(UniqueName_(), true);
+    const SharedMemory writer(UniqueName_(), false);
+    EXPECT_EQ(asked, (std::vector<DWORD>{4, 4, 0xF001F, 0xF001F}));
+}
+
 TEST(SharedMemory, AnotherProcessReadsButMayNotWriteASectionOfKindTwo) {
     const SharedMemory memory(UniqueName_(), 16, kReadForEveryone, false);
     std::copy_n("port", 4, memory.GetData());
     ChildProcess child(L"ReadSection", UniqueName_());
-    EXPECT_EQ(child.Result(), L"port Exception: SharedMemory::Init: OpenFileMapping failed with: 5");
+    EXPECT_EQ(child.Result(), L"port, read-only, Exception: SharedMemory::Init: OpenFileMapping failed with: 5");
 }
 
 TEST(SharedMemory, LivesAsLongAsAnybodyHoldsIt) {
@@ -144,6 +196,29 @@ TEST(SharedMemory, SectionThatFindsNoAddressesRaises) {
                   }
               }),
               L"Exception: SharedMemory::Init: MapViewOfFile failed with: 8");
+}
+
+TEST(SharedMemory, SectionThatCannotBeMappedIsClosed) {
+    {
+        const FailingImport<"MapViewOfFile", decltype(MapViewOfFile)> map(ERROR_NOT_ENOUGH_MEMORY);
+        EXPECT_EQ(Words_([] { SharedMemory memory(UniqueName_(), 16, kAllForEveryone, false); }),
+                  L"Exception: SharedMemory::Init: MapViewOfFile failed with: 8");
+    }
+    EXPECT_NO_THROW(SharedMemory(UniqueName_(), 16, kAllForEveryone, false));
+}
+
+TEST(SharedMemory, IsUnmappedBeforeItsSectionIsClosed) {
+    std::vector<std::wstring> order;
+    ReplacedImport<"UnmapViewOfFile", decltype(UnmapViewOfFile)> unmap([&](const void* view) {
+        order.emplace_back(L"unmap");
+        return unmap.Original(view);
+    });
+    ReplacedImport<"CloseHandle", decltype(CloseHandle)> close([&](HANDLE handle) {
+        order.emplace_back(L"close");
+        return close.Original(handle);
+    });
+    { const SharedMemory memory(UniqueName_(), 16, kAllForEveryone, false); }
+    EXPECT_EQ(order, (std::vector<std::wstring>{L"unmap", L"close"}));
 }
 
 TEST(SharedMemory, FailureIsLoggedOnceAndPasses) {

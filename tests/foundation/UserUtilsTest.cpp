@@ -13,6 +13,7 @@
 #include "foundation/RegistryKey.h"
 #include "tests/support/ExpectFailure.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/OpenHandles.h"
 #include "tests/support/ReplacedImport.h"
 
 using test_support::ExpectFailure;
@@ -323,10 +324,7 @@ TEST_F(UserUtilsProfile, TokenThatTellsItsSizeButNotItsUserRaises) {
 TEST_F(UserUtilsProfile, TokensAreClosed) {
     profile_.Set(L"C:\\users\\one", false);
     ProfileDir_();
-    DWORD before = 0;
-    DWORD after = 0;
-    GetProcessHandleCount(GetCurrentProcess(), &before);
+    const DWORD before = test_support::CountOpenHandles();
     ProfileDir_();
-    GetProcessHandleCount(GetCurrentProcess(), &after);
-    EXPECT_EQ(before, after);
+    EXPECT_EQ(before, test_support::CountOpenHandles());
 }

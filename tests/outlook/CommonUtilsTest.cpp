@@ -1,13 +1,16 @@
 #include "agent/apps/outlook/CommonUtils.h"
 
 #include <atomic>
+#include <functional>
 #include <future>
 #include <regex>
+#include <stdexcept>
 
 #include "foundation/EnvUtils.h"
 #include "foundation/Exception.h"
 #include "foundation/RegistryKey.h"
 #include "tests/outlook/OutlookTest.h"
+#include "tests/support/HeldSections.h"
 #include "tests/support/MessageBox.h"
 #include "tests/support/ReplacedImport.h"
 
@@ -37,6 +40,25 @@ protected:
             return failure.ToString();
         }
         return L"no failure";
+    }
+
+    /// Calls every operation while the registry raises what the body throws; each must return as after any failure.
+    void CallAllWhileTheRegistryRaises(const std::function<void()>& body) {
+        const test_support::HeldSections sections;
+        const test_support::ReplacedImport<"RegCreateKeyExW", decltype(RegCreateKeyExW)> create(
+            [&](auto...) -> LSTATUS {
+                body();
+                return ERROR_SUCCESS;
+            });
+        std::vector<std::wstring> ids;
+        CommonUtils::AddToInspectedItems(L"ID", L"SENT", logger);
+        CommonUtils::RemoveFromInspectedItems(L"ID", logger);
+        CommonUtils::GetInspectedItemIds(ids, logger);
+        EXPECT_EQ(CommonUtils::GetSentItemId(L"ID", logger), L"");
+        EXPECT_FALSE(CommonUtils::IsOnSpotOverrideEnabled(logger));
+        EXPECT_THAT(ids, IsEmpty());
+        EXPECT_EQ(create.Calls(), 5);
+        EXPECT_EQ(sections.Count(), 0);
     }
 
     test_support::LogCapture log;
@@ -191,6 +213,60 @@ TEST_F(CommonUtilsTest, NoFailureOfTheRegistryReachesTheCaller) {
                             L"Failed to get the registry key for unsent items: " + unsent,
                             L"Failed to get the value for the requested id: " + unsent,
                             L"Failed to get the value for the onspot override: " + input));
+}
+
+TEST_F(CommonUtilsTest, AStandardExceptionIsReportedInTheSameWords) {
+    CallAllWhileTheRegistryRaises([] { throw std::runtime_error("out of order"); });
+    EXPECT_THAT(log.Texts(L"ERROR"),
+                ElementsAre(L"Failed to add item ID to the registry key for unsent items: out of order",
+                            L"Failed to remove item ID from the registry key for unsent items: out of order",
+                            L"Failed to get the registry key for unsent items: out of order",
+                            L"Failed to get the value for the requested id: out of order",
+                            L"Failed to get the value for the onspot override: out of order"));
+}
+
+TEST_F(CommonUtilsTest, AnyOtherFailureIsReportedAsUnknown) {
+    CallAllWhileTheRegistryRaises([] { throw 5; });
+    EXPECT_THAT(
+        log.Texts(L"ERROR"),
+        ElementsAre(L"Unknown error occured while trying to add item ID to the registry key for unsent items.",
+                    L"Unknown error occurred while trying to remove item ID from the registry key for unsent items.",
+                    L"Unknown error occurred while trying to get the registry key for unsent items.",
+                    L"Unknown error occurred while trying to get the registry value for the id.",
+                    L"Unknown error occurred while trying to get the registry value for onspot override."));
+}
+
+TEST_F(CommonUtilsTest, TheLockIsHeldFromTheOpeningOfTheLedgerToItsClosing) {
+    const test_support::HeldSections sections;
+    int releasesAtOpening = 0;
+    test_support::ReplacedImport<"RegCreateKeyExW", decltype(RegCreateKeyExW)> create([&](auto... arguments) {
+        EXPECT_EQ(sections.Count(), 1);
+        releasesAtOpening = sections.Releases();
+        return create.Original(arguments...);
+    });
+    test_support::ReplacedImport<"RegCloseKey", decltype(RegCloseKey)> close([&](HKEY key) {
+        EXPECT_EQ(sections.Count(), 1);
+        EXPECT_EQ(sections.Releases(), releasesAtOpening);
+        return close.Original(key);
+    });
+    std::vector<std::wstring> ids;
+    CommonUtils::AddToInspectedItems(L"ID", L"SENT", logger);
+    CommonUtils::GetInspectedItemIds(ids, logger);
+    CommonUtils::GetSentItemId(L"ID", logger);
+    CommonUtils::RemoveFromInspectedItems(L"ID", logger);
+    EXPECT_EQ(create.Calls(), 4);
+    EXPECT_EQ(close.Calls(), 4);
+    EXPECT_EQ(sections.Count(), 0);
+}
+
+TEST_F(CommonUtilsTest, TheSwitchIsReadWithoutTheLock) {
+    const test_support::HeldSections sections;
+    test_support::ReplacedImport<"RegCreateKeyExW", decltype(RegCreateKeyExW)> create([&](auto... arguments) {
+        EXPECT_EQ(sections.Count(), 0);
+        return create.Original(arguments...);
+    });
+    CommonUtils::IsOnSpotOverrideEnabled(logger);
+    EXPECT_EQ(create.Calls(), 1);
 }
 
 TEST_F(CommonUtilsTest, AFailureGivesTheLockBackToOtherThreads) {

@@ -45,6 +45,12 @@ TEST(Ticpp, BuildsADocument) {
     EXPECT_EQ("<?xml version=\"1.0\" ?><root version=\"1\"><child>text</child><empty /></root>", Printed_(document));
 }
 
+TEST(Ticpp, DeclarationSaysWhatItIsGiven) {
+    Document document;
+    document.LinkEndChild(Declaration("1.0", "utf-8", "yes"));
+    EXPECT_EQ("<?xml version=\"1.0\" encoding=\"utf-8\" standalone=\"yes\" ?>", Printed_(document));
+}
+
 TEST(Ticpp, LinkedElementStaysTheHandlesElement) {
     Document document;
     Element root("root");

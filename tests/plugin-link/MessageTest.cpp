@@ -5,9 +5,9 @@
 #include <gmock/gmock.h>
 
 #include "foundation/XMLReader.h"
-#include "tests/plugin-link/SystemCalls.h"
 #include "tests/plugin-link/Throws.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/NoMemory.h"
 
 namespace {
 
@@ -295,7 +295,7 @@ TEST(Message, RefusesAnUnknownTypeOnlyOnceTheVersionIsRight) {
 
 TEST(Message, SaysSoWhenThereIsNoMemoryForIt) {
     const auto failure = Thrown<vorlek::Exception>([] {
-        const plugin_link_tests::NoMemory noMemory(sizeof(Message));
+        const test_support::NoMemory noMemory(sizeof(Message));
         Message::FromString(L"<Msg version=\"1\" type=\"Request\" pid=\"1\"/>");
     });
     EXPECT_EQ(failure.GetMessage(), L"Allocation of message has failed!");

@@ -1,14 +1,12 @@
 #include "tests/plugin-link/SystemCalls.h"
 
 #include <algorithm>
-#include <new>
 
 using plugin_link_tests::SystemCalls;
 
 namespace {
 
 thread_local SystemCalls* current = nullptr;
-thread_local std::size_t missingSize = 0;
 
 int Enter(const char* name) {
     return current == nullptr ? 0 : current->Enter_(name);
@@ -118,12 +116,6 @@ decltype(&FreeAddrInfoW) wrap_FreeAddrInfoW = FreeResolved;
 decltype(&WSAAddressToStringW) wrap_WSAAddressToStringW = AddressToString;
 }
 
-void* RealNew(std::size_t size, const std::nothrow_t& tag) noexcept __asm__("__real__ZnwyRKSt9nothrow_t");
-void* WrappedNew(std::size_t size, const std::nothrow_t& tag) noexcept __asm__("__wrap__ZnwyRKSt9nothrow_t");
-void* WrappedNew(std::size_t size, const std::nothrow_t& tag) noexcept {
-    return size == missingSize ? nullptr : RealNew(size, tag);
-}
-
 namespace plugin_link_tests {
 
 SystemCalls::SystemCalls() {
@@ -151,14 +143,6 @@ int SystemCalls::Enter_(const std::string& name) {
 
 SystemCalls* SystemCalls::Current_() {
     return current;
-}
-
-NoMemory::NoMemory(std::size_t size) {
-    missingSize = size;
-}
-
-NoMemory::~NoMemory() {
-    missingSize = 0;
 }
 
 } // namespace plugin_link_tests

@@ -55,14 +55,4 @@ private:
     bool hasSelectResult_ = false;
 };
 
-/// While it lives the operator new that does not throw has no memory for objects of this size (bytes) on the
-/// calling thread.
-class NoMemory {
-public:
-    explicit NoMemory(std::size_t size);
-    ~NoMemory();
-    NoMemory(const NoMemory&) = delete;
-    NoMemory& operator=(const NoMemory&) = delete;
-};
-
 } // namespace plugin_link_tests

@@ -31,11 +31,14 @@ void** FindSlot_(const char* name) {
 
 } // namespace
 
-void* ExchangeImport(const char* name, void* function) {
-    void** const slot = FindSlot_(name);
+void* ExchangeFunction(void** slot, void* function) {
     DWORD protection = 0;
     VirtualProtect(slot, sizeof(*slot), PAGE_READWRITE, &protection);
     return std::exchange(*slot, function);
+}
+
+void* ExchangeImport(const char* name, void* function) {
+    return ExchangeFunction(FindSlot_(name), function);
 }
 
 } // namespace test_support

@@ -15,6 +15,9 @@ struct ImportName {
     constexpr ImportName(const char (&name)[Size]) { std::copy_n(name, Size, text); }
 };
 
+/// Writes a function into a table of functions, which the system keeps read-only; returns what stood there.
+void* ExchangeFunction(void** slot, void* function);
+
 /// Lets the program's import of a system function lead to another one; returns where it led before.
 /// Raises std::runtime_error for a function that the program does not import.
 void* ExchangeImport(const char* name, void* function);

@@ -20,4 +20,15 @@ std::vector<BYTE> SecurityBytes(const std::wstring& text) {
     return bytes;
 }
 
+std::wstring SecurityText(PSECURITY_DESCRIPTOR descriptor) {
+    wchar_t* text = nullptr;
+    if (!ConvertSecurityDescriptorToStringSecurityDescriptorW(descriptor, SDDL_REVISION_1, DACL_SECURITY_INFORMATION,
+                                                              &text, nullptr)) {
+        throw std::runtime_error("no text: " + std::to_string(GetLastError()));
+    }
+    const std::wstring result = text;
+    LocalFree(text);
+    return result;
+}
+
 } // namespace test_support

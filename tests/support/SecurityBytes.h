@@ -10,5 +10,7 @@ namespace test_support {
 std::vector<BYTE> SecurityBytes(PSECURITY_DESCRIPTOR descriptor);
 /// The bytes of what the system makes of a text in the Security Descriptor Definition Language.
 std::vector<BYTE> SecurityBytes(const std::wstring& text);
+/// The system's own text of a descriptor's discretionary list. Of a label Wine knows no text.
+std::wstring SecurityText(PSECURITY_DESCRIPTOR descriptor);
 
 } // namespace test_support
