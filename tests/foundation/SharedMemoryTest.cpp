@@ -208,6 +208,7 @@ TEST(SharedMemory, SectionThatCannotBeMappedIsClosed) {
 }
 
 TEST(SharedMemory, IsUnmappedBeforeItsSectionIsClosed) {
+    auto memory = std::make_unique<SharedMemory>(UniqueName_(), 16, kAllForEveryone, false);
     std::vector<std::wstring> order;
     ReplacedImport<"UnmapViewOfFile", decltype(UnmapViewOfFile)> unmap([&](const void* view) {
         order.emplace_back(L"unmap");
@@ -217,7 +218,7 @@ TEST(SharedMemory, IsUnmappedBeforeItsSectionIsClosed) {
         order.emplace_back(L"close");
         return close.Original(handle);
     });
-    { const SharedMemory memory(UniqueName_(), 16, kAllForEveryone, false); }
+    memory.reset();
     EXPECT_EQ(order, (std::vector<std::wstring>{L"unmap", L"close"}));
 }
 
