@@ -120,7 +120,10 @@ std::wstring LegacyLines_(const std::wstring& operation) {
     }
     std::wstring lines;
     for (const test_support::LogLine& line : log.Lines()) {
-        lines += line.level + L": " + line.text + L"\n";
+        const std::string function = line.site.substr(line.site.rfind(' ') + 1);
+        const bool names =
+            line.text.find(L"::" + std::wstring(function.begin(), function.end()) + L")") != line.text.npos;
+        lines += line.level + L": " + line.text + (names ? L"\n" : L" (said by another)\n");
     }
     return lines;
 }

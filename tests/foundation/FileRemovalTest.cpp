@@ -7,6 +7,7 @@
 #include <shellapi.h>
 
 #include "foundation/AutoHandle.h"
+#include "foundation/DirUtils.h"
 #include "foundation/EnviornmentUtils.h"
 #include "foundation/FileUtils.h"
 #include "foundation/RegistryKey.h"
@@ -317,6 +318,21 @@ TEST(RemovePath, IsOneCallThatAsksTheUserNothing) {
         EXPECT_EQ(FOF_SILENT | FOF_NOCONFIRMATION | FOF_NOERRORUI, asked.fFlags);
         EXPECT_EQ(path + std::wstring(2, L'\0'), removed);
     }
+}
+
+TEST(RemovePath, GetsThePrefixBeyondTheSystemsLimit) {
+    const TemporaryFolder folder;
+    const std::wstring part(150, L'p');
+    const std::wstring path = folder / (part + L'\\' + part);
+    ASSERT_TRUE(vorlek::DirUtils::CreateDir(path, nullptr));
+    std::wstring removed;
+    const ReplacedImport<"SHFileOperationW", decltype(SHFileOperationW)> operation([&](SHFILEOPSTRUCTW* what) {
+        removed = what->pFrom;
+        return 0;
+    });
+    FileUtils::RemovePath(path);
+    EXPECT_EQ(L"\\\\?\\" + path, removed);
+    FileUtils::RemoveAllFiles(folder.Path(), false);
 }
 
 TEST(RemovePath, TreeOpenElsewhereRaises) {

@@ -1,5 +1,7 @@
 #include "foundation/RegistryKey.h"
 
+#include <memory>
+
 #include <gmock/gmock.h>
 
 #include "foundation/Exception.h"
@@ -21,6 +23,8 @@ class RegistryFailures : public testing::Test {
 protected:
     test_support::RegistryPlace place_;
 };
+
+using RegQueryValueStandIn = ReplacedImport<"RegQueryValueExW", decltype(RegQueryValueExW)>;
 
 /// Hands out names as the system does, but of any length: what the room does not hold is a failure.
 LSTATUS Enumerate_(const Names& names, DWORD index, wchar_t* buffer, DWORD* room) {
@@ -85,6 +89,33 @@ TEST_F(RegistryFailures, AskingADeletedKeyForAValue) {
     place_->DeleteSubKey(L"sub");
     ExpectFailure<RegistryKeyException>([&] { deleted->ValueExists(L"value"); }, L"RegistryKey::ValueExists",
                                         L"RegQueryValueEx failed on: value, with: 1018");
+}
+
+TEST_F(RegistryFailures, ReadingAValueThatGoesInBetween) {
+    place_->SetValue(L"text", std::wstring(L"text"));
+    place_->SetValue(L"list", Names{L"text"});
+    int goes = 0; // the number of the call that does not find the value any more
+    std::unique_ptr<RegQueryValueStandIn> query;
+    const auto expect = [&](const std::wstring& name, int calls, const auto& read) {
+        for (goes = 1; goes <= calls; ++goes) {
+            query = std::make_unique<RegQueryValueStandIn>(
+                [&](HKEY key, LPCWSTR value, DWORD* reserved, DWORD* type, BYTE* data, DWORD* size) -> LSTATUS {
+                    return query->Calls() == goes ? ERROR_FILE_NOT_FOUND
+                                                  : query->Original(key, value, reserved, type, data, size);
+                });
+            ExpectFailure<RegistryKeyException>(read, L"RegistryKey::GetValue",
+                                                L"RegQueryValueEx failed on: " + name + L", with: 2");
+            query.reset();
+        }
+    };
+    std::wstring text = L"before";
+    Names list;
+    Bytes data;
+    DWORD type = REG_NONE;
+    expect(L"text", 3, [&] { place_->GetValue(L"text", text); });
+    expect(L"list", 3, [&] { place_->GetValue(L"list", list); });
+    expect(L"text", 2, [&] { place_->GetValue(L"text", data, type); });
+    EXPECT_EQ(text, L"before");
 }
 
 TEST_F(RegistryFailures, NumberOfMoreBytesThanItsTypeHas) {
