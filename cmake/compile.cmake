@@ -13,7 +13,10 @@ target_compile_definitions(project_options INTERFACE
     UNICODE _UNICODE NOMINMAX _WIN32_WINNT=0x0601 WINVER=0x0601)
 target_include_directories(project_options INTERFACE ${CMAKE_SOURCE_DIR}/source ${CMAKE_SOURCE_DIR})
 # Static runtimes: the DLL must import nothing that Windows does not bring.
-target_link_options(project_options INTERFACE -static -Wl,--no-insert-timestamp)
+target_link_options(project_options INTERFACE -static -Wl,--no-insert-timestamp
+    # Before the compiler's own libraries: here lies the winpthreads that can be told to end.
+    -L${DEPENDENCIES}/lib)
+set_property(TARGET project_options APPEND PROPERTY INTERFACE_LINK_DEPENDS ${DEPENDENCIES}/lib/libpthread.a)
 
 if(CHECKED)
     target_compile_options(project_options INTERFACE

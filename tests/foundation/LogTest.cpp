@@ -3,9 +3,12 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/LogCapture.h"
+#include "tests/support/ResourceCount.h"
+#include "tests/support/Threads.h"
 
 using namespace vorlek;
 using test_support::LogCapture;
+using test_support::ResourceCount;
 using Lines = std::vector<std::wstring>;
 
 namespace {
@@ -92,4 +95,18 @@ TEST_F(Log, StatementIsOneStatement) {
     else
         LOG_INFO(logger_, L"always");
     EXPECT_EQ(log_.Texts(L"INFO"), Lines{L"always"});
+}
+
+TEST_F(Log, ThreadThatEndsLeavesNothing) {
+    const auto logFromThreads = [this] {
+        for (int number = 0; number < 50; ++number) {
+            test_support::RunThreads(1, [&](int) { LOG_INFO(logger_, L"thread " << number); });
+        }
+        ASSERT_EQ(log_.Lines().size(), 50U);
+        log_.Clear();
+    };
+    logFromThreads();
+    const ResourceCount before = ResourceCount::Now();
+    logFromThreads();
+    EXPECT_EQ(ResourceCount::Now().Since(before), L"0 handles, 0 heap blocks, 0 thread slots");
 }
