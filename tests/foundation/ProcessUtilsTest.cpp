@@ -368,7 +368,16 @@ TEST_F(ProcessUtilsTest, CloseMessageGoesToThatProcessAlone) {
     ChildProcess other(L"CloseAt", L"1");
     asked.WaitUntilReady();
     other.WaitUntilReady();
+    std::vector<DWORD> owners;
+    ReplacedImport<"PostMessageW", decltype(PostMessageW)> post(
+        [&](HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+            EXPECT_EQ(static_cast<UINT>(WM_CLOSE), message);
+            GetWindowThreadProcessId(window, &owners.emplace_back());
+            return post.Original(window, message, wParam, lParam);
+        });
     EXPECT_TRUE(ProcessUtils::TerminateApplicationById(asked.Id(), kSoonMs));
+    ASSERT_FALSE(owners.empty());
+    EXPECT_EQ(std::vector<DWORD>(owners.size(), asked.Id()), owners);
     EXPECT_TRUE(IsRunning_(other));
 }
 

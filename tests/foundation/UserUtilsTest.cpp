@@ -104,6 +104,15 @@ public:
             return false;
         }
     }
+    /// No lasting key can be made below a passing one.
+    bool IsLasting() const {
+        try {
+            RegistryKey::GetLocalMachine().CreateSubKey(Name_() + L"\\below", true);
+            return true;
+        } catch (const RegistryKeyException&) {
+            return false;
+        }
+    }
 
 private:
     static std::wstring Name_() {
@@ -266,10 +275,11 @@ TEST_F(UserUtilsProfile, IsWhatTheRegistrySaysExpanded) {
     EXPECT_EQ(L"C:\\users\\two", ProfileDir_());
 }
 
-TEST_F(UserUtilsProfile, ThatIsMissingGetsItsKeyAndRaises) {
+TEST_F(UserUtilsProfile, ThatIsMissingGetsALastingKeyAndRaises) {
     ASSERT_FALSE(profile_.HasKey_());
     EXPECT_THROW(ProfileDir_(), RegistryKeyException);
     EXPECT_TRUE(profile_.HasKey_());
+    EXPECT_TRUE(profile_.IsLasting());
 }
 
 TEST_F(UserUtilsProfile, SessionWithoutAUserRaises) {
@@ -304,7 +314,12 @@ TEST_F(UserUtilsProfile, TokenThatCannotBeDuplicatedRaises) {
 }
 
 TEST_F(UserUtilsProfile, TokenThatDoesNotTellItsUserRaises) {
-    const FailingImport<"GetTokenInformation", decltype(GetTokenInformation)> information(ERROR_ACCESS_DENIED);
+    const ReplacedImport<"GetTokenInformation", decltype(GetTokenInformation)> information(
+        [](HANDLE, TOKEN_INFORMATION_CLASS, void*, DWORD, DWORD* size) {
+            *size = 64; // told, but this is not a matter of room
+            SetLastError(ERROR_ACCESS_DENIED);
+            return FALSE;
+        });
     ExpectFailure<Exception>([] { ProfileDir_(); }, kProfileLocation, L"GetTokenInformation has failed with: 5");
     EXPECT_EQ(1, information.Calls());
 }

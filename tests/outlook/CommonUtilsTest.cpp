@@ -10,6 +10,7 @@
 #include "foundation/Exception.h"
 #include "foundation/RegistryKey.h"
 #include "tests/outlook/OutlookTest.h"
+#include "tests/support/ExpectFailure.h"
 #include "tests/support/HeldSections.h"
 #include "tests/support/MessageBox.h"
 #include "tests/support/ReplacedImport.h"
@@ -318,6 +319,14 @@ TEST_F(CommonUtilsTest, TemporaryPathsAreNewNamesInTheAddInsFolderWhichExists) {
     EXPECT_TRUE(std::regex_match(first.substr(directory.size()),
                                  std::wregex(L"\\\\\\{[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}\\}\\.cip")))
         << std::string(first.begin(), first.end());
+}
+
+TEST_F(CommonUtilsTest, ATemporaryPathWithoutANewNameIsAFailure) {
+    const test_support::ReplacedImport<"CoCreateGuid", decltype(CoCreateGuid)> create(
+        [](GUID*) { return HRESULT_FROM_WIN32(RPC_S_UUID_NO_ADDRESS); });
+    test_support::ExpectFailure<Exception>([] { CommonUtils::MakeTemporaryPath(L"cip"); },
+                                           L"vorlek::CommonUtils::MakeTemporaryPath",
+                                           L"Failed to create a name for a temporary file");
 }
 
 TEST_F(CommonUtilsTest, TheDirectoryOfAPathEndsBeforeTheLastBackslash) {

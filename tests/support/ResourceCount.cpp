@@ -1,24 +1,14 @@
 #include "tests/support/ResourceCount.h"
 
-#include <cstdint>
 #include <vector>
 
 #include "platform/Windows.h"
+#include "tests/support/OpenHandles.h"
 
 namespace test_support {
 namespace {
 
 constexpr int kAllSlots = 1 << 16; // more than any system has
-
-/// Handles are probed one by one: Wine's GetProcessHandleCount does not count.
-int Handles_() {
-    int count = 0;
-    for (std::uintptr_t value = 4; value < 0x4000; value += 4) {
-        DWORD flags = 0;
-        count += GetHandleInformation(reinterpret_cast<HANDLE>(value), &flags) ? 1 : 0;
-    }
-    return count;
-}
 
 int HeapBlocks_() {
     std::vector<HANDLE> heaps(GetProcessHeaps(0, nullptr));
@@ -54,7 +44,7 @@ ResourceCount ResourceCount::Now() {
     // First, since the system keeps memory for each slot that was ever taken.
     const int freeSlots =
         FreeSlots_([] { return TlsAlloc(); }, TlsFree) + FreeSlots_([] { return FlsAlloc(nullptr); }, FlsFree);
-    return {Handles_(), HeapBlocks_(), kAllSlots - freeSlots};
+    return {static_cast<int>(CountOpenHandles()), HeapBlocks_(), kAllSlots - freeSlots};
 }
 
 std::wstring ResourceCount::Since(const ResourceCount& earlier) const {
