@@ -464,6 +464,23 @@ TEST_F(ProcessUtilsTest, WidthOfNoProcessRaises) {
                              L"OpenProcess failed with: 87");
 }
 
+TEST_F(ProcessUtilsTest, LookingKeepsNoHandle) {
+    const DWORD own = GetCurrentProcessId();
+    const auto look = [own] {
+        ProcessUtils::GetProcessFilePath(own);
+        ProcessUtils::GetProcessCommandLine(own);
+        ProcessUtils::GetProcessModules(own);
+        ProcessUtils::GetProcessModule(own);
+        ProcessUtils::GetProcessSnapshot();
+        ProcessUtils::IsCurrentProcessElevated();
+        ProcessUtils::Is64Process(own);
+    };
+    look(); // the first time the system opens things of its own
+    const DWORD before = test_support::CountOpenHandles();
+    look();
+    EXPECT_EQ(before, test_support::CountOpenHandles());
+}
+
 TEST_F(ProcessUtilsTest, ExecuteWaitsForTheExitCodeOnRequest) {
     EXPECT_EQ(7u, ProcessUtils::Execute(L"cmd.exe /c exit 7", true));
 }

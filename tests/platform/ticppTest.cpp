@@ -217,9 +217,9 @@ TEST(Ticpp, IteratesOverChildElements) {
 TEST(Ticpp, ParseReplacesTheContent) {
     Document document;
     document.Parse("<a/>");
-    document.Parse("<?xml version=\"1.0\" encoding=\"utf-16\"?><b>\xD7\x90</b>");
+    document.Parse("<?xml version=\"1.0\" encoding=\"utf-16\"?><b>\xD7\x90&#x5D0;&#128512;</b>");
     EXPECT_EQ("b", document.FirstChildElement().Value());
-    EXPECT_EQ("\xD7\x90", document.FirstChildElement().GetText());
+    EXPECT_EQ("\xD7\x90\xD7\x90\xF0\x9F\x98\x80", document.FirstChildElement().GetText());
 }
 
 TEST(Ticpp, ParseOfIllFormedTextRaisesAndLeavesNothing) {
