@@ -34,6 +34,16 @@ std::size_t RoundUp(std::size_t size, std::size_t unit) {
 /// Released blocks keep their addresses until this many others were released.
 class Quarantine {
 public:
+    constexpr Quarantine() = default;
+    Quarantine(const Quarantine&) = delete;
+    Quarantine& operator=(const Quarantine&) = delete;
+    ~Quarantine() {
+        for (std::atomic<void*>& slot : slots_) {
+            if (void* base = slot.exchange(nullptr)) {
+                VirtualFree(base, 0, MEM_RELEASE);
+            }
+        }
+    }
     void Add(void* base) {
         void* oldest = slots_[next_.fetch_add(1, std::memory_order_relaxed) % kSlots].exchange(base);
         if (oldest != nullptr) {
@@ -47,7 +57,8 @@ private:
     std::atomic<void*> slots_[kSlots] = {};
 };
 
-constinit Quarantine quarantine;
+// The first to be built and the last to be destroyed: a DLL that goes gives all addresses back.
+[[gnu::init_priority(101)]] constinit Quarantine quarantine;
 
 void* Allocate(std::size_t size) noexcept {
     const std::size_t body = RoundUp(size, kAlignment);
