@@ -16,6 +16,8 @@ public:
 
     Type GetType() const { return type_; }
     const std::wstring& GetValue() const { return value_; }
+    /// The value without a copy; the node has none afterwards.
+    std::wstring TakeValue() { return std::move(value_); }
 
 private:
     Type type_;

@@ -1,5 +1,7 @@
 #include "plugin-link/CInspectorMessage.h"
 
+#include <algorithm>
+
 #include "foundation/ConversionsUtils.h"
 #include "foundation/Log4CxxHelper.h"
 #include "foundation/StringUtils.h"
@@ -12,6 +14,8 @@ namespace vorlek {
 namespace {
 
 namespace word = vocabulary::document;
+
+constexpr wchar_t kReplacement = 0xFFFD; ///< what stands for a character that cannot be written
 
 ticpp::Element Element_(const wchar_t* name) {
     return ticpp::Element(StringUtils::ToUtf8(name));
@@ -142,7 +146,11 @@ std::wstring CInspectorMessage::GetFormattedMessage() const {
     TiXmlPrinter printer;
     printer.SetStreamPrinting();
     pimpl_->document->Accept(&printer);
-    return StringUtils::FromUtf8(printer.Str());
+    std::wstring text = StringUtils::FromUtf8(printer.Str());
+    // XML has no way to write these two, and a request that cannot be written leaves its mail uninspected.
+    std::ranges::replace_if(
+        text, [](wchar_t unit) { return unit == 0xFFFE || unit == 0xFFFF; }, kReplacement);
+    return text;
 }
 
 } // namespace vorlek

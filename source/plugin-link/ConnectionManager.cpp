@@ -83,10 +83,10 @@ CConnectionManager::~CConnectionManager() {
     LOG_DEBUG(logger_, L"CConnection manager instance destructed");
 }
 
-std::shared_ptr<InspectionDecision> CConnectionManager::Inspect(const std::wstring& param) const {
+std::shared_ptr<InspectionDecision> CConnectionManager::Inspect(std::wstring param) const {
     return Translated_(logger_, LOG_SITE, L"vorlek::PluginUtils::CConnectionManager::Inspect", kInspectWords, [&] {
         std::wstring result;
-        CallWithStringResult(plugin::kDataControlPlugin, method::kInspect, {param, false}, result);
+        CallWithStringResult(plugin::kDataControlPlugin, method::kInspect, {std::move(param), false}, result);
         return std::make_shared<InspectionDecision>(result);
     });
 }
@@ -97,9 +97,9 @@ std::shared_ptr<InspectionDecision> CConnectionManager::Inspect(const CInspector
                        [&] { return Inspect(message.GetFormattedMessage()); });
 }
 
-void CConnectionManager::BeginInspect(const std::wstring& param) const {
+void CConnectionManager::BeginInspect(std::wstring param) const {
     Translated_(logger_, LOG_SITE, L"vorlek::PluginUtils::CConnectionManager::BeginInspect", kBeginInspectWords, [&] {
-        CallWithoutResult(plugin::kDataControlPlugin, method::kBeginInspect, {param, false});
+        CallWithoutResult(plugin::kDataControlPlugin, method::kBeginInspect, {std::move(param), false});
     });
 }
 
@@ -107,12 +107,12 @@ void CConnectionManager::BeginInspect(const CInspectorMessage& message) const {
     BeginInspect(Format_(L"vorlek::PluginUtils::CConnectionManager::BeginInspect", message));
 }
 
-void CConnectionManager::HandleAppLaunchFileAccess(const std::wstring& param) const {
+void CConnectionManager::HandleAppLaunchFileAccess(std::wstring param) const {
     Translated_(logger_, LOG_SITE, L"vorlek::PluginUtils::CConnectionManager::HandleAppLaunchFileAccess",
                 kHandleAppLaunchFileAccessWords, [&] {
                     std::int32_t result = 0;
                     CallWithIntResult(plugin::kApplicationControlPlugin, method::kHandleAppLaunchFileAccess,
-                                      {param, false}, result);
+                                      {std::move(param), false}, result);
                 });
 }
 
@@ -120,10 +120,10 @@ void CConnectionManager::HandleAppLaunchFileAccess(const CInspectorMessage& mess
     HandleAppLaunchFileAccess(Format_(L"vorlek::PluginUtils::CConnectionManager::HandleAppLaunchFileAccess", message));
 }
 
-void CConnectionManager::ProcessExit(const std::wstring& param) const {
+void CConnectionManager::ProcessExit(std::wstring param) const {
     Translated_(logger_, LOG_SITE, L"vorlek::PluginUtils::CConnectionManager::ProcessExit", kProcessExitWords, [&] {
         std::int32_t result = 0;
-        CallWithIntResult(plugin::kApplicationControlPlugin, method::kProcessExit, {param, false}, result);
+        CallWithIntResult(plugin::kApplicationControlPlugin, method::kProcessExit, {std::move(param), false}, result);
     });
 }
 
@@ -131,13 +131,32 @@ void CConnectionManager::ProcessExit(const CInspectorMessage& message) const {
     ProcessExit(Format_(L"vorlek::PluginUtils::CConnectionManager::ProcessExit", message));
 }
 
-std::int32_t CConnectionManager::GetExecutionMode(const std::wstring& channel) const {
+std::int32_t CConnectionManager::GetExecutionMode(std::wstring channel) const {
     return Translated_(
         logger_, LOG_SITE, L"vorlek::PluginUtils::CConnectionManager::GetExecutionMode", kGetExecutionModeWords, [&] {
             std::int32_t mode = -1;
-            CallWithIntResult(plugin::kDataControlPlugin, method::kGetExecutionMode, {channel, false}, mode);
+            CallWithIntResult(plugin::kDataControlPlugin, method::kGetExecutionMode, {std::move(channel), false}, mode);
             return mode;
         });
+}
+
+std::shared_ptr<DataAccessChannelsMessage>
+CConnectionManager::StartAppMgrIdentifyChannels(const CInspectorMessage& message) const {
+    LOG_INFO(logger_, L"StartAppMgrIdentifyChannels: executing QLTAGENT command (look for after. if that get stuck, "
+                      L"there will be 5 sec delay on process from mojave to TOBIAS)");
+    std::wstring result;
+    try {
+        CallWithStringResult(plugin::kApplicationControlPlugin, method::kStartAppMgrIdentifyChannels,
+                             {message.GetFormattedMessage(), false}, result);
+        LOG_INFO(logger_, L"StartAppMgrIdentifyChannels: AFTER executing QLTAGENT command.result= " << result);
+    } catch (const RemoteException& failure) {
+        LOG_ERROR(logger_, L"Failed to call StartAppMgrIdentifyChannels: " << failure.GetMessage());
+        throw;
+    } catch (...) {
+        LOG_ERROR(logger_, L"Failed to call StartAppMgrIdentifyChannels.");
+        throw;
+    }
+    return std::make_shared<DataAccessChannelsMessage>(result);
 }
 
 } // namespace vorlek::PluginUtils

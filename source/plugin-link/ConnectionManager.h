@@ -5,6 +5,7 @@
 
 #include "foundation/LoggerHolder.h"
 #include "plugin-link/CInspectorMessage.h"
+#include "plugin-link/DataAccessChannelsMessage.h"
 #include "plugin-link/InspectionDecision.h"
 
 namespace vorlek::PluginUtils {
@@ -19,22 +20,26 @@ public:
     CConnectionManager();
     virtual ~CConnectionManager();
 
-    std::shared_ptr<InspectionDecision> Inspect(const std::wstring& param) const;
+    std::shared_ptr<InspectionDecision> Inspect(std::wstring param) const;
     /// Throws PluginManagerFormatException for every failure.
     std::shared_ptr<InspectionDecision> Inspect(const CInspectorMessage& message) const;
 
     /// Returns once the request is sent.
-    void BeginInspect(const std::wstring& param) const;
+    void BeginInspect(std::wstring param) const;
     void BeginInspect(const CInspectorMessage& message) const;
 
-    void HandleAppLaunchFileAccess(const std::wstring& param) const;
+    void HandleAppLaunchFileAccess(std::wstring param) const;
     void HandleAppLaunchFileAccess(const CInspectorMessage& message) const;
 
-    void ProcessExit(const std::wstring& param) const;
+    void ProcessExit(std::wstring param) const;
     void ProcessExit(const CInspectorMessage& message) const;
 
     /// The mode of a channel, one of vocabulary::channel; 0 is disabled.
-    std::int32_t GetExecutionMode(const std::wstring& channel) const;
+    std::int32_t GetExecutionMode(std::wstring channel) const;
+
+    /// Which channels are in force for an application. Alone among the operations it translates nothing:
+    /// throws what the call throws, and DataAccessChannelsMessageFormatException for an answer that cannot be read.
+    std::shared_ptr<DataAccessChannelsMessage> StartAppMgrIdentifyChannels(const CInspectorMessage& message) const;
 
 private:
     static LoggerHolder logger_;

@@ -11,6 +11,11 @@ class CInspectorMessageXmlException : public NamedException<L"CInspectorMessageX
 class CInspectorMessageException : public NamedException<L"CInspectorMessageException", Exception> {
     using Named::Named;
 };
+/// The agent's account of the channels in force cannot be read; the words are those of the XML layer.
+class DataAccessChannelsMessageFormatException
+    : public NamedException<L"DataAccessChannelsMessageFormatException", Exception> {
+    using Named::Named;
+};
 /// The service answered a call with an account of its own failure, which is this failure's message.
 class RemoteException : public NamedException<L"RemoteException", Exception> {
     using Named::Named;

@@ -30,8 +30,8 @@ InspectionDecision::InspectionDecision(std::int32_t result) : result_(result) {
 }
 
 InspectionDecision::InspectionDecision(const std::wstring& text) {
-    InitLogger(logger_, "vorlek::InspectionDecision::InspectionDecision", false);
     try {
+        InitLogger(logger_, "vorlek::InspectionDecision::InspectionDecision", false);
         LOG_INFO(logger_, L"Inspection decision B: " << text);
         Parse_(text);
     } catch (const std::exception& failure) {
@@ -42,12 +42,18 @@ InspectionDecision::InspectionDecision(const std::wstring& text) {
     }
 }
 
+/// Nothing may leave a destructor: whatever fails is logged, and the next file has its turn.
+template <class Body>
+void InspectionDecision::Guarded_(Body&& body) {
+    Guard(logger_, LOG_SITE, {.exception = {L""}, .other = {L"Failed to delete a file of the decision."}}, body);
+}
+
 InspectionDecision::~InspectionDecision() {
-    if (!automaticFileDeletion_) {
-        LOG_DEBUG(logger_, L"Automatic file deletion is disabled.");
-        return;
+    if (automaticFileDeletion_) {
+        DeleteFiles_();
+    } else {
+        Guarded_([] { LOG_DEBUG(logger_, L"Automatic file deletion is disabled."); });
     }
-    DeleteFiles_();
 }
 
 bool InspectionDecision::HasModifications() const {
@@ -80,24 +86,24 @@ void InspectionDecision::ParseModifications_(const ticpp::Element& modifications
 }
 
 void InspectionDecision::DeleteFiles_() const {
-    const auto remove = [](const std::wstring& path) {
-        Guard(logger_, LOG_SITE, {.exception = {L""}, .other = {L"Failed to delete a file of the decision."}},
-              [&] { FileUtils::RemoveFile(path); });
-    };
     if (!bodyLabelPath_.empty()) {
-        LOG_INFO(logger_, L"Deleting email body file: " << bodyLabelPath_);
-        remove(bodyLabelPath_);
+        Guarded_([&] {
+            LOG_INFO(logger_, L"Deleting email body file: " << bodyLabelPath_);
+            FileUtils::RemoveFile(bodyLabelPath_);
+        });
     }
     if (!attachments_.empty()) {
-        LOG_DEBUG(logger_, L"Deleting " << attachments_.size() << L" email attachment files...");
+        Guarded_([&] { LOG_DEBUG(logger_, L"Deleting " << attachments_.size() << L" email attachment files..."); });
     }
     for (const auto& [path, displayName] : attachments_) {
-        if (FileUtils::Exists(path)) {
-            LOG_INFO(logger_, L"Deleting email attachment file (" << displayName << L"): " << path);
-            remove(path);
-        } else {
-            LOG_DEBUG(logger_, L"Email attachment file not found (" << displayName << L"): " << path);
-        }
+        Guarded_([&] {
+            if (FileUtils::Exists(path)) {
+                LOG_INFO(logger_, L"Deleting email attachment file (" << displayName << L"): " << path);
+                FileUtils::RemoveFile(path);
+            } else {
+                LOG_DEBUG(logger_, L"Email attachment file not found (" << displayName << L"): " << path);
+            }
+        });
     }
 }
 

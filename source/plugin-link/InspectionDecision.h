@@ -48,6 +48,8 @@ private:
     void Parse_(const std::wstring& text);
     void ParseModifications_(const ticpp::Element& modifications);
     void DeleteFiles_() const;
+    template <class Body>
+    static void Guarded_(Body&& body);
 
     static LoggerHolder logger_;
 

@@ -209,7 +209,7 @@ void Message::ReadValues_(XMLReader& reader) {
     MessageValue pending;
     while (const std::shared_ptr<XMLNode> node = reader.ReadNode()) {
         if (node->GetType() == XMLNode::Text) {
-            pending.value = node->GetValue();
+            pending.value = node->TakeValue();
         } else if (node->GetValue() != kKey) {
             continue;
         } else if (node->GetType() == XMLNode::StartElement) {

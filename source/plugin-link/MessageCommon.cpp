@@ -1,7 +1,9 @@
 #include "plugin-link/MessageCommon.h"
 
+#include <algorithm>
 #include <cstring>
 #include <string_view>
+#include <utility>
 
 #include "foundation/Log.h"
 #include "foundation/Log4CxxHelper.h"
@@ -19,9 +21,8 @@ constexpr std::size_t kReceiveChunk = 4096;
 LoggerHolder logger_;
 
 std::vector<BYTE> ToBytes_(std::wstring_view text) {
-    std::vector<BYTE> bytes(text.size() * sizeof(wchar_t));
-    std::memcpy(bytes.data(), text.data(), bytes.size());
-    return bytes;
+    const auto* bytes = reinterpret_cast<const BYTE*>(text.data());
+    return {bytes, bytes + text.size() * sizeof(wchar_t)};
 }
 
 /// A delimiter inside a value would end the message there, and with it the inspection: the writer of a mail could
@@ -40,29 +41,20 @@ std::wstring HideDelimiters_(std::wstring text) {
     return hidden.append(text, copied);
 }
 
-void Append_(std::wstring& text, const std::vector<BYTE>& bytes) {
-    const std::size_t length = text.size();
-    text.resize(length + bytes.size() / sizeof(wchar_t));
-    std::memcpy(text.data() + length, bytes.data(), bytes.size());
-}
-
 /// Everything up to a read that ends in a delimiter. The delimiter is looked for at the end of what has
 /// arrived only, so the time is that of the text's length.
 std::wstring ReceiveText_(const Socket& socket) {
     std::wstring text;
-    std::vector<BYTE> accumulator;
+    std::size_t length = 0; // of the text in bytes; half a code unit at its end waits for its other half
     std::vector<BYTE> chunk;
     for (;;) {
         chunk.resize(kReceiveChunk);
         TCPCommon::Recv(socket, chunk);
-        accumulator.insert(accumulator.end(), chunk.begin(), chunk.end());
-        // Half a code unit waits for its other half.
-        if (accumulator.size() % sizeof(wchar_t) == 0) {
-            Append_(text, accumulator);
-            accumulator.clear();
-            if (text.ends_with(kDelimiter)) {
-                return text;
-            }
+        text.resize((length + chunk.size() + 1) / sizeof(wchar_t));
+        std::memcpy(reinterpret_cast<BYTE*>(text.data()) + length, chunk.data(), chunk.size());
+        length += chunk.size();
+        if (length % sizeof(wchar_t) == 0 && text.ends_with(kDelimiter)) {
+            return text;
         }
         bool ready = false;
         if (!TCPCommon::WaitForRead(socket, ready) || !ready) {
@@ -71,25 +63,35 @@ std::wstring ReceiveText_(const Socket& socket) {
     }
 }
 
+/// The part of the text. The whole of it, which a single message is, goes without a copy.
+std::wstring Piece_(std::wstring& text, std::size_t begin, std::size_t end) {
+    if (begin != 0 || end + kDelimiter.size() != text.size()) {
+        return text.substr(begin, end - begin);
+    }
+    text.resize(end);
+    return std::exchange(text, {});
+}
+
 } // namespace
 
 void Send(const Socket& socket, const Message& message) {
     InitLogger(logger_, __FILE__, true);
     LOG_TRACE(logger_, L"Sending to: " << socket.Get() << L", message: " << message.ToLogString());
-    TCPCommon::Send(socket, ToBytes_(HideDelimiters_(message.ToString()).append(kDelimiter)));
+    // The text is gone before the bytes are sent, which lasts as long as the peer takes to read them.
+    const std::vector<BYTE> bytes = ToBytes_(HideDelimiters_(message.ToString()).append(kDelimiter));
+    TCPCommon::Send(socket, bytes);
 }
 
 void Receive(const Socket& socket, std::vector<std::unique_ptr<Message>>& messages) {
     InitLogger(logger_, __FILE__, true);
-    const std::wstring text = ReceiveText_(socket);
-    std::size_t begin = 0;
-    for (std::size_t end; (end = text.find(kDelimiter, begin)) != std::wstring::npos; begin = end + kDelimiter.size()) {
-        if (end == begin) {
-            continue;
+    std::wstring text = ReceiveText_(socket);
+    for (std::size_t begin = 0, end = 0; begin < text.size(); begin = end + kDelimiter.size()) {
+        end = std::min(text.find(kDelimiter, begin), text.size());
+        if (end != begin) {
+            std::wstring piece = Piece_(text, begin, end);
+            LOG_TRACE(logger_, L"Received from: " << socket.Get() << L", message: " << piece);
+            messages.push_back(Message::FromString(std::move(piece)));
         }
-        std::wstring piece = text.substr(begin, end - begin);
-        LOG_TRACE(logger_, L"Received from: " << socket.Get() << L", message: " << piece);
-        messages.push_back(Message::FromString(std::move(piece)));
     }
 }
 

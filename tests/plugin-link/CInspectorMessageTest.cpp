@@ -5,6 +5,7 @@
 #include "foundation/StringUtils.h"
 #include "platform/ticpp/ticpp.h"
 #include "plugin-link/Exceptions.h"
+#include "plugin-link/Message.h"
 #include "plugin-link/Vocabulary.h"
 #include "tests/plugin-link/FailingXml.h"
 #include "tests/plugin-link/Throws.h"
@@ -152,6 +153,21 @@ TEST(InspectorMessage, CarriesAnyTextThroughAParser) {
         const ticpp::Element data = root.FirstChildElement("dataItem").FirstChildElement("data");
         EXPECT_EQ(StringUtils::FromUtf8(data.GetText()), text);
     }
+}
+
+// A request that holds one of the two could not be written, and its mail would go uninspected.
+TEST(InspectorMessage, ReplacesWhatXmlCannotWrite) {
+    CInspectorMessage message(L"Email");
+    message.AddContextItem(L"EmailSubject", L"a\xFFFF\xFFFDz");
+    message.AddTextItemToBody(L"\xFFFE\xFFFE", L"");
+    message.AddFileItemToBody(L"C:\\\xD800.txt", false);
+    const std::wstring text = message.GetFormattedMessage();
+    EXPECT_EQ(text, Whole(L"<context><item name=\"EmailSubject\" value=\"a\xFFFD\xFFFDz\" /></context>"
+                          L"<dataItem><dataEncoding>text</dataEncoding><data>\xFFFD\xFFFD</data></dataItem>"
+                          L"<dataItem><dataEncoding>filePath</dataEncoding><data>C:\\\xFFFD.txt</data></dataItem>"));
+    vorlek::Message request(vorlek::MessageType::Request, 1);
+    request.Set(L"Param", text, false);
+    EXPECT_NO_THROW(request.ToString());
 }
 
 TEST(InspectorMessage, CarriesALongText) {

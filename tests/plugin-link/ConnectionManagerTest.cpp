@@ -1,20 +1,25 @@
 #include "plugin-link/ConnectionManager.h"
 
+#include <atomic>
 #include <functional>
 #include <memory>
+#include <type_traits>
 
 #include <gmock/gmock.h>
 
+#include "platform/ticpp/ticpp.h"
 #include "plugin-link/Exceptions.h"
 #include "stand-ins/agent/Agent.h"
 #include "tests/plugin-link/FailingXml.h"
+#include "tests/plugin-link/Service.h"
 #include "tests/plugin-link/SocketPair.h"
 #include "tests/plugin-link/Throws.h"
 #include "tests/support/LogCapture.h"
+#include "tests/support/Threads.h"
 
 namespace {
 
-using plugin_link_tests::Thrown;
+using namespace plugin_link_tests;
 using stand_ins::Agent;
 using stand_ins::Answer;
 using testing::ElementsAre;
@@ -79,15 +84,25 @@ const Operation* const kAll[] = {&kInspect, &kBeginInspect, &kHandleAppLaunchFil
                                  &kGetExecutionMode};
 const Operation* const kWithAnswer[] = {&kInspect, &kHandleAppLaunchFileAccess, &kProcessExit, &kGetExecutionMode};
 
-/// The Error lines of the manager's own logger.
-std::vector<std::wstring> ManagersErrors(const test_support::LogCapture& log) {
+const std::wstring kChannels = L"<DataAccessChannelsMessage><channels><channel>Http</channel></channels>"
+                               L"<ApplicationLaunch inspect=\"True\" /></DataAccessChannelsMessage>";
+const std::wstring kBeforeChannels =
+    L"StartAppMgrIdentifyChannels: executing QLTAGENT command (look for after. if that get stuck, there will be 5 sec "
+    L"delay on process from mojave to TOBIAS)";
+
+/// The lines of one level of the manager's own logger.
+std::vector<std::wstring> ManagersLines(const test_support::LogCapture& log, const std::wstring& level) {
     std::vector<std::wstring> texts;
     for (const auto& line : log.Lines()) {
-        if (line.level == L"ERROR" && line.logger.ends_with(L"vorlek.PluginUtils.CConnectionManager")) {
+        if (line.level == level && line.logger.ends_with(L"vorlek.PluginUtils.CConnectionManager")) {
             texts.push_back(line.text);
         }
     }
     return texts;
+}
+
+std::vector<std::wstring> ManagersErrors(const test_support::LogCapture& log) {
+    return ManagersLines(log, L"ERROR");
 }
 
 } // namespace
@@ -106,7 +121,7 @@ TEST(ConnectionManager, CallsThePlugInAndMethodOfEachOperationWithItsArgument) {
         EXPECT_EQ(requests[0].plugin, operation->plugin);
         EXPECT_EQ(requests[0].method, operation->method);
         EXPECT_EQ(requests[0].param, kParam);
-        EXPECT_EQ(requests[0].raw.find(plugin_link_tests::Bytes(L"hidden=\"1\"")), std::string::npos);
+        EXPECT_EQ(requests[0].raw.find(Bytes(L"hidden=\"1\"")), std::string::npos);
     }
 }
 
@@ -215,7 +230,7 @@ TEST(ConnectionManager, SendsNothingOfAMessageThatCannotBeFormatted) {
         {[&] { manager.HandleAppLaunchFileAccess(message); }, kHandleAppLaunchFileAccess.location},
         {[&] { manager.ProcessExit(message); }, kProcessExit.location}};
     for (const auto& [call, location] : calls) {
-        const plugin_link_tests::FailingXml failing(plugin_link_tests::FailingXml::At::Print);
+        const FailingXml failing(FailingXml::At::Print);
         const auto failure = Thrown<PluginManagerFormatException>(call);
         EXPECT_EQ(failure.GetMessage(), kFormatWords);
         EXPECT_EQ(failure.GetLocation(), location);
@@ -251,6 +266,87 @@ TEST(ConnectionManager, BringsADecisionThatBlocksForAnAnswerThatCannotBeRead) {
     const auto decision = CConnectionManager().Inspect(kParam);
     EXPECT_EQ(decision->GetResult(), vorlek::InspectionDecision::kBlock);
     EXPECT_FALSE(decision->HasModifications());
+}
+
+TEST(ConnectionManager, AsksForTheChannelsInForce) {
+    const Service service([](SOCKET connection) {
+        const std::wstring request = TextOf(ReadMessage(connection));
+        EXPECT_NE(request.find(L">ApplicationControlPlugin<"), std::wstring::npos);
+        EXPECT_NE(request.find(L">StartAppMgrIdentifyChannels<"), std::wstring::npos);
+        EXPECT_NE(request.find(L">&lt;?xml version=\"1.0\" ?&gt;&lt;inspectorMessage"), std::wstring::npos);
+        Write(connection, AnswerOf(kChannels));
+    });
+    const test_support::LogCapture log;
+    const auto channels = CConnectionManager().StartAppMgrIdentifyChannels(CInspectorMessage(L"ApplicationGroup"));
+    EXPECT_TRUE(channels->IsChannelActivated(3));
+    EXPECT_FALSE(channels->IsChannelActivated(0));
+    EXPECT_THAT(ManagersLines(log, L"INFO"),
+                ElementsAre(kBeforeChannels,
+                            L"StartAppMgrIdentifyChannels: AFTER executing QLTAGENT command.result= " + kChannels));
+    EXPECT_THAT(ManagersLines(log, L"TRACE"), testing::IsEmpty());
+}
+
+TEST(ConnectionManager, TranslatesNoFailureToAskForTheChannels) {
+    const CInspectorMessage message(L"ApplicationGroup");
+    const CConnectionManager manager;
+    const auto expect = [&]<class Failure>(std::type_identity<Failure>, const std::wstring& words,
+                                           const std::vector<std::wstring>& errors) {
+        const test_support::LogCapture log;
+        const auto failure = Thrown<Failure>([&] { manager.StartAppMgrIdentifyChannels(message); });
+        EXPECT_EQ(failure.GetMessage(), words);
+        EXPECT_EQ(ManagersErrors(log), errors);
+        EXPECT_THAT(ManagersLines(log, L"INFO").front(), kBeforeChannels);
+    };
+    expect(std::type_identity<vorlek::Exception>(), L"OpenFileMapping failed with: 2",
+           {L"Failed to call StartAppMgrIdentifyChannels."});
+    const std::string answers[] = {ErrorOf(L"no policy"), AnswerOf(L"<no channels />")};
+    std::size_t next = 0;
+    const Service service([&](SOCKET connection) {
+        ReadMessage(connection);
+        Write(connection, answers[next++]);
+    });
+    expect(std::type_identity<vorlek::RemoteException>(), L"no policy",
+           {L"Failed to call StartAppMgrIdentifyChannels: no policy"});
+    // An answer that cannot be read is no failure of the call.
+    expect(std::type_identity<vorlek::DataAccessChannelsMessageFormatException>(),
+           L"Error reading Attributes. (line 1, column 14)", {});
+}
+
+TEST(ConnectionManager, PassesOnThatTheQuestionForTheChannelsCannotBeFormatted) {
+    const CInspectorMessage message(L"ApplicationGroup");
+    const CConnectionManager manager;
+    const FailingXml failing(FailingXml::At::Print);
+    const test_support::LogCapture log;
+    EXPECT_THROW(manager.StartAppMgrIdentifyChannels(message), ticpp::Exception);
+    EXPECT_THAT(ManagersErrors(log), ElementsAre(L"Failed to call StartAppMgrIdentifyChannels."));
+}
+
+TEST(ConnectionManager, AnswersAHundredCallersAtOnceEachWithItsOwn) {
+    constexpr int kCallers = 100;
+    std::atomic<int> there = 0;
+    const HANDLE all = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    std::vector<std::wstring> answers(kCallers);
+    {
+        // No one gets an answer before everyone has asked.
+        const Service service([&](SOCKET connection) {
+            const std::wstring param = ParamOf(ReadMessage(connection));
+            if (++there == kCallers) {
+                SetEvent(all);
+            }
+            WaitForSingleObject(all, INFINITE);
+            Write(connection, AnswerOf(L"<decision result=\"1\"><DataModifications><EmailSubject value=\"" + param +
+                                       L"\"/></DataModifications></decision>"));
+        });
+        const CConnectionManager manager;
+        test_support::RunThreads(kCallers, [&](int caller) {
+            answers[static_cast<std::size_t>(caller)] =
+                manager.Inspect(L"caller " + std::to_wstring(caller))->GetSubjectLabel();
+        });
+    }
+    CloseHandle(all);
+    for (int caller = 0; caller < kCallers; ++caller) {
+        EXPECT_EQ(answers[static_cast<std::size_t>(caller)], L"caller " + std::to_wstring(caller));
+    }
 }
 
 TEST(ConnectionManager, TracesEachCall) {

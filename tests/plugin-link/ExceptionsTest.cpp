@@ -10,7 +10,8 @@ template <class Failure>
 class LinkExceptions : public testing::Test {};
 
 using Failures =
-    testing::Types<vorlek::CInspectorMessageXmlException, vorlek::CInspectorMessageException, vorlek::RemoteException,
+    testing::Types<vorlek::CInspectorMessageXmlException, vorlek::CInspectorMessageException,
+                   vorlek::DataAccessChannelsMessageFormatException, vorlek::RemoteException,
                    vorlek::ConnectionTerminatedException, vorlek::PluginUtils::PluginManagerConnectionException,
                    vorlek::PluginUtils::PluginManagerFormatException>;
 TYPED_TEST_SUITE(LinkExceptions, Failures);
@@ -34,6 +35,7 @@ TYPED_TEST(LinkExceptions, DeriveFromTheRootAndStayApart) {
 TEST(LinkExceptionNames, AreTheShortOnes) {
     EXPECT_EQ(NameOf<vorlek::CInspectorMessageXmlException>(), L"CInspectorMessageXmlException");
     EXPECT_EQ(NameOf<vorlek::CInspectorMessageException>(), L"CInspectorMessageException");
+    EXPECT_EQ(NameOf<vorlek::DataAccessChannelsMessageFormatException>(), L"DataAccessChannelsMessageFormatException");
     EXPECT_EQ(NameOf<vorlek::RemoteException>(), L"RemoteException");
     EXPECT_EQ(NameOf<vorlek::ConnectionTerminatedException>(), L"ConnectionTerminatedException");
     EXPECT_EQ(NameOf<vorlek::PluginUtils::PluginManagerConnectionException>(), L"PluginManagerConnectionException");

@@ -160,6 +160,40 @@ TEST(InspectionDecision, BlocksWhenItCannotBeRead) {
     }
 }
 
+TEST(InspectionDecision, BlocksWhereverItIsCutOff) {
+    const std::wstring text = Answer(L"<EmailSubject value=\"label\" /><EmailAttachments>" +
+                                     Attachment(L"C:\\none\\a", L"a &amp; b") + L"</EmailAttachments>");
+    ASSERT_EQ(InspectionDecision(text).GetResult(), 1);
+    for (std::size_t length = 0; length < text.size(); ++length) {
+        const LogCapture log;
+        const InspectionDecision decision(text.substr(0, length));
+        EXPECT_EQ(decision.GetResult(), InspectionDecision::kBlock) << length;
+        EXPECT_FALSE(decision.HasModifications());
+        EXPECT_EQ(log.Texts(L"ERROR").size(), 1U);
+    }
+}
+
+TEST(InspectionDecision, BlocksForXmlThatWouldExhaustItsReader) {
+    const auto repeated = [](const std::wstring& text, int times) {
+        std::wstring all;
+        for (int time = 0; time < times; ++time) {
+            all += text;
+        }
+        return all;
+    };
+    const std::wstring start = L"<decision result=\"1\">";
+    const std::wstring texts[] = {
+        start + repeated(L"<a>", 100'000) + repeated(L"</a>", 100'000) + L"</decision>",
+        start + repeated(L"<a>", 100'000), L"<decision result=\"1\" " + repeated(L"a=\"\" ", 100'000) + L"/>",
+        L"<!DOCTYPE decision><decision/>" + start + L"</decision>",
+        L"<!DOCTYPE decision [<!ENTITY a \"1\"><!ENTITY b \"&a;&a;\">]><decision result=\"&b;\" />"};
+    for (const std::wstring& text : texts) {
+        const LogCapture log;
+        EXPECT_EQ(InspectionDecision(text).GetResult(), InspectionDecision::kBlock) << text.substr(0, 60);
+        EXPECT_EQ(log.Texts(L"ERROR").size(), 1U);
+    }
+}
+
 TEST(InspectionDecision, BlocksAndSaysSoAtTheHighestLevelWhenReadingFailsInAnotherWay) {
     const LogCapture log;
     const test_support::FailingLog failing(L"Inspection decision B: <decision result=\"1\" />", [] {
@@ -241,6 +275,26 @@ TEST(InspectionDecision, LogsARemovalThatFailsAndRemovesTheRest) {
     ASSERT_EQ(log.Texts(L"ERROR").size(), 1U);
     EXPECT_THAT(log.Texts(L"ERROR")[0],
                 testing::EndsWith(L"Failed to remove file <" + held.wstring() + L"> error: 32"));
+}
+
+TEST(InspectionDecision, RemovesTheRestWhenEvenTheLogFails) {
+    const TemporaryFolder folder;
+    const auto body = NewFile(folder, L"body.html");
+    const auto first = NewFile(folder, L"a.tmp");
+    const auto second = NewFile(folder, L"b.tmp");
+    const auto fail = [] { throw std::runtime_error("the log is full"); };
+    const LogCapture log;
+    const test_support::FailingLog failing[] = {{L"Deleting email body file: " + body.wstring(), fail},
+                                                {L"Deleting 2 email attachment files...", fail},
+                                                {L"Deleting email attachment file (A): " + first.wstring(), fail}};
+    {
+        const InspectionDecision decision(Answer(L"<EmailBody path=\"" + body.wstring() + L"\" /><EmailAttachments>" +
+                                                 Attachment(first, L"A") + Attachment(second, L"B") +
+                                                 L"</EmailAttachments>"));
+    }
+    EXPECT_FALSE(exists(second));
+    EXPECT_THAT(log.Texts(L"ERROR"), testing::Each(L"Failed to delete a file of the decision."));
+    EXPECT_EQ(log.Texts(L"ERROR").size(), 3U);
 }
 
 TEST(InspectionDecision, SharesNothingWithAnotherButThePath) {

@@ -235,6 +235,85 @@ TEST(Message, SkipsElementsThatItDoesNotKnow) {
     EXPECT_EQ(GetText(*message, L"b"), L"x");
 }
 
+TEST(Message, ReadsAnEntryInsideAnEntryAsItsParts) {
+    const auto message = Message::FromString(
+        Document(L"<Key name=\"outer\" type=\"string\" size=\"2\">a" + Key(L"inner", L"b") + L"c</Key>"));
+    EXPECT_FALSE(message->HasValue(L"outer"));
+    EXPECT_EQ(GetText(*message, L"inner"), L"b");
+    EXPECT_TRUE(message->HasValue(L"")) << "what is left over has no name";
+}
+
+TEST(Message, ReadsAMillionEntries) {
+#ifdef _GLIBCXX_ASSERTIONS
+    constexpr int kEntries = 5'000; // the guard heap has two pages for each block
+#else
+    constexpr int kEntries = 1'000'000;
+#endif
+    std::wstring entries;
+    for (int entry = 0; entry < kEntries; ++entry) {
+        entries += Key(std::to_wstring(entry), L"x");
+    }
+    const auto message = Message::FromString(Document(entries));
+    EXPECT_EQ(GetText(*message, L"0"), L"x");
+    EXPECT_EQ(GetText(*message, std::to_wstring(kEntries - 1)), L"x");
+    EXPECT_FALSE(message->HasValue(std::to_wstring(kEntries)));
+}
+
+TEST(Message, IsNotMisledByASize) {
+    const std::pair<const wchar_t*, std::uint32_t> sizes[] = {
+        {L"4294967295", 4294967295U}, {L"99999999999999", 4294967295U}, {L"0", 0}, {L"0xFFFFFFFFF", 4294967295U}};
+    for (const auto& [text, size] : sizes) {
+        const std::wstring attributes = std::wstring(L"\" size=\"") + text + L"\">QUJD</Key>";
+        const auto message = Message::FromString(Document(L"<Key name=\"text\" type=\"string" + attributes +
+                                                          L"<Key name=\"bytes\" type=\"byte[]" + attributes));
+        EXPECT_EQ(message->GetValueSize(L"text"), size);
+        EXPECT_EQ(GetText(*message, L"text"), L"QUJD");
+        std::vector<BYTE> bytes;
+        message->Get(L"bytes", bytes);
+        EXPECT_EQ(bytes, (std::vector<BYTE>{'A', 'B', 'C'}));
+    }
+}
+
+TEST(Message, TakesNoHarmFromBytesThatAreNoBase64) {
+    const std::pair<const wchar_t*, std::vector<BYTE>> texts[] = {
+        {L"!\"$%()*~\u4e2d\U0001F600", {}}, {L"Q", {}}, {L"QU=JD==", {'A', 'B', 'C'}}, {L"====", {}}};
+    for (const auto& [text, expected] : texts) {
+        Message message(MessageType::Response, 1);
+        message.SetValue(L"bytes", text, L"byte[]", 3, false);
+        std::vector<BYTE> bytes{1};
+        Message::FromString(message.ToString())->Get(L"bytes", bytes);
+        EXPECT_EQ(bytes, expected) << text;
+    }
+}
+
+TEST(Message, CannotBeReadWhereverItIsCutOff) {
+    const std::wstring text = L"<?xml version=\"1.0\" encoding=\"utf-16\"?>\r\n" +
+                              Document(L"\r\n <!-- c --><?p i?><![CDATA[d]]>" + Key(L"a", L"&lt;\U0001F600"));
+    Message::FromString(text);
+    for (std::size_t length = 0; length < text.size(); ++length) {
+        EXPECT_THROW(Message::FromString(text.substr(0, length)), vorlek::Exception) << text.substr(0, length);
+        EXPECT_THROW(Message::FromString(text.substr(0, length) + L'\0' + text.substr(length)), vorlek::Exception)
+            << text.substr(0, length) << " and a null";
+    }
+}
+
+TEST(Message, RefusesElementsThatAreNestedWithoutEnd) {
+    std::wstring nested;
+    for (int depth = 0; depth < 100'000; ++depth) {
+        nested += L"<a>";
+    }
+    EXPECT_THAT(Thrown<vorlek::Exception>([&] { Message::FromString(Document(nested)); }).GetMessage(),
+                testing::StartsWith(L"Read failed with: "));
+}
+
+TEST(Message, IsReadPastWhateverIsLongAndOfNoInterest) {
+    const std::wstring long_(3'000'000, L'x');
+    const auto message =
+        Message::FromString(Document(L"<!--" + long_ + L"--><" + long_ + L" a=\"" + long_ + L"\"/><![CDATA[" + long_ +
+                                     L"]]><?p " + long_ + L"?>" + Key(L"a", L"b")));
+    EXPECT_EQ(GetText(*message, L"a"), L"b");
+}
+
 TEST(Message, RefusesAnotherRoot) {
     const auto failure = Thrown<vorlek::Exception>([] { Message::FromString(L"<Message version=\"1\"/>"); });
     EXPECT_EQ(failure.GetMessage(), L"Invalid message header! Type: 0, value: Message");
@@ -254,8 +333,20 @@ TEST(Message, RefusesTextThatIsNoDocument) {
 TEST(Message, PassesOnTheWordsOfTheXmlLayer) {
     const test_support::LogCapture log;
     const auto failure = Thrown<vorlek::Exception>([] { Message::FromString(L"<!DOCTYPE Msg><Msg/>"); });
-    EXPECT_THAT(failure.GetMessage(), testing::StartsWith(L"Read failed with: "));
+    EXPECT_EQ(failure.GetMessage(), L"Read failed with: " + std::to_wstring(static_cast<HRESULT>(WC_E_DTDPROHIBITED)));
+    EXPECT_EQ(failure.GetLocation(), L"vorlek::XMLReader::ReadNode");
     EXPECT_THAT(log.Texts(L"ERROR"), testing::ElementsAre(L"FromString failed with: " + failure.ToString()));
+}
+
+TEST(Message, RefusesEntitiesBeforeTheyGrow) {
+    std::wstring definitions = L"<!ENTITY a0 \"ha\">";
+    for (int level = 1; level < 30; ++level) {
+        const std::wstring inner = L"&a" + std::to_wstring(level - 1) + L";";
+        definitions += L"<!ENTITY a" + std::to_wstring(level) + L" \"" + inner + inner + inner + L"\">";
+    }
+    const auto failure = Thrown<vorlek::Exception>(
+        [&] { Message::FromString(L"<!DOCTYPE Msg [" + definitions + L"]>" + Document(Key(L"a", L"&a29;"))); });
+    EXPECT_EQ(failure.GetMessage(), L"Read failed with: " + std::to_wstring(static_cast<HRESULT>(WC_E_DTDPROHIBITED)));
 }
 
 TEST(Message, NamesTheMissingAttributeOfTheRootAndItsPlace) {

@@ -10,7 +10,6 @@
 #include "tests/plugin-link/SystemCalls.h"
 #include "tests/plugin-link/Throws.h"
 #include "tests/support/LogCapture.h"
-#include "tests/support/TemporaryFolder.h"
 
 namespace {
 
@@ -65,21 +64,6 @@ TEST(PluginManagerClient, AsksAPlugInsMethodAndBringsItsAnswer) {
     EXPECT_EQ(requests[0].param, L"param");
     EXPECT_EQ(requests[0].type, L"Request");
     EXPECT_EQ(requests[0].pid, GetCurrentProcessId());
-}
-
-TEST(PluginManagerClient, SendsTheVeryBytesOfTheCapturedRequest) {
-    Answering agent(Answer::Text(L""));
-    std::wstring result;
-    const std::wstring document = L"<?xml version=\"1.0\" ?><inspectorMessage version=\"1\" channel=\"Email\"><context>"
-                                  L"<item name=\"EmailSubject\" value=\"Pl\u00e4ne &amp; \U0001F4C8\" /></context>"
-                                  L"</inspectorMessage>";
-    vorlek::CallWithStringResult(kPlugin, L"Inspect", {document, false}, result);
-    std::string captured = test_support::ReadBytes(TEST_DATA "/inspect-request.bin");
-    const std::string captive = Bytes(L"pid=\"5120\"");
-    const std::size_t pid = captured.find(captive);
-    ASSERT_NE(pid, std::string::npos);
-    captured.replace(pid, captive.size(), Bytes(L"pid=\"" + std::to_wstring(GetCurrentProcessId()) + L"\""));
-    EXPECT_EQ(agent.GetAgent().Requests().at(0).raw, captured);
 }
 
 TEST(PluginManagerClient, BringsANumber) {

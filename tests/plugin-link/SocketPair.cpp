@@ -11,13 +11,19 @@ void Require(bool condition, const char* what) {
     }
 }
 
+sockaddr_in Loopback(std::uint16_t port) {
+    sockaddr_in address{};
+    address.sin_family = AF_INET;
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    address.sin_port = htons(port);
+    return address;
+}
+
 } // namespace
 
 Listener::Listener() {
     socket_ = ::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    sockaddr_in address = Loopback(0);
     int length = sizeof address;
     auto* generic = reinterpret_cast<sockaddr*>(&address);
     Require(::bind(socket_.Get(), generic, length) == 0, "bind");
@@ -34,14 +40,16 @@ void Listener::Close() {
     socket_ = INVALID_SOCKET;
 }
 
+SOCKET Connect(std::uint16_t port) {
+    const SOCKET socket = ::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
+    const sockaddr_in address = Loopback(port);
+    Require(::connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0, "connect");
+    return socket;
+}
+
 SocketPair::SocketPair() {
     const Listener listener;
-    near_ = ::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    address.sin_port = htons(listener.Port());
-    Require(::connect(near_.Get(), reinterpret_cast<sockaddr*>(&address), sizeof address) == 0, "connect");
+    near_ = Connect(listener.Port());
     far_ = listener.Accept();
     Require(far_.IsValid(), "accept");
     // Otherwise a piece may wait for the acknowledgement of the one before.

@@ -25,6 +25,9 @@ private:
     std::uint16_t port_ = 0;
 };
 
+/// A new connection to a port of the loopback address.
+SOCKET Connect(std::uint16_t port);
+
 /// Two ends of one connection on the loopback address.
 struct SocketPair {
     SocketPair();

@@ -1,5 +1,7 @@
 #include "platform/ticpp/ticpp.h"
 
+#include "platform/ticpp/Limits.h"
+
 namespace ticpp {
 
 namespace {
@@ -123,6 +125,7 @@ Document::Document() : Node(std::make_unique<TiXmlDocument>()) {}
 void Document::Parse(const std::string& xml) {
     TiXmlDocument& document = *Get_().ToDocument();
     document.Clear();
+    CheckLimits(xml.c_str());
     document.Parse(xml.c_str(), nullptr, TIXML_ENCODING_UTF8);
     if (document.Error()) {
         std::string details = document.ErrorDesc();

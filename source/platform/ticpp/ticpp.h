@@ -101,8 +101,8 @@ public:
     Document();
 
     /// Replaces the content by what the UTF-8 text says, whatever encoding it declares. White space
-    /// inside a text is kept as it stands. Raises Exception with the parser's words and the place;
-    /// the document is empty then.
+    /// inside a text is kept as it stands. Raises Exception with the parser's words and the place, or for
+    /// elements or attributes beyond the limits of Limits.h; the document is empty then.
     void Parse(const std::string& xml);
 };
 
