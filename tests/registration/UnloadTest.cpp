@@ -59,13 +59,17 @@ bool LoadLogAndUnload_(bool here) {
     return GetModuleHandleW(L"OutlookQLTPlugin.dll") == nullptr;
 }
 
+/// In turns from this thread, from this one and another, and from one that ends when the DLL is gone.
 bool LoadManyTimes_(int rounds) {
-    for (int round = 0; round < rounds; ++round) {
-        if (!LoadLogAndUnload_(round % 2 == 0)) {
-            return false;
+    bool succeeded = true;
+    for (int round = 0; round < rounds && succeeded; ++round) {
+        if (round % 3 < 2) {
+            succeeded = LoadLogAndUnload_(round % 3 == 0);
+        } else {
+            test_support::RunThreads(1, [&](int) { succeeded = LoadLogAndUnload_(true); });
         }
     }
-    return true;
+    return succeeded;
 }
 
 /// Lets the machine's folder for common data be the given one, for this process alone.
