@@ -1,6 +1,7 @@
 #pragma once
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -29,11 +30,25 @@ struct Answer {
     std::int32_t number = 0;         ///< the result of a method that returns a number
     std::string bytes;               ///< of Kind::Bytes: sent as they are, nothing added
     std::vector<std::wstring> files; ///< the files that the text names; removed again if it cannot be delivered
+    std::uint32_t delay = 0;         ///< milliseconds before it goes out
+    Misbehaviour misbehaviour;       ///< of this one answer, before any that the agent has for its method
 
     static Answer Text(std::wstring result);
     static Answer Number(std::int32_t result);
     static Answer Error(std::wstring words);
     static Answer Bytes(std::string bytes);
+};
+
+/// What an agent has served so far, in numbers.
+struct Served {
+    std::uint64_t connections = 0;
+    std::uint64_t requests = 0;                    ///< whole ones, the malformed included
+    std::uint64_t malformed = 0;                   ///< whole, but no requests
+    std::uint64_t broken = 0;                      ///< begun, but never whole
+    std::map<std::wstring, std::uint64_t> methods; ///< requests by their method; "unknown": any that the agent lacks
+
+    /// One line for a person.
+    std::wstring ToText() const;
 };
 
 /// Answers a request in place of the policy; nullopt leaves it to the policy. Called on the connection's thread, by
@@ -46,7 +61,9 @@ struct AgentOptions {
     Policy policy;             ///< default: every channel is watched, every item allowed
     Responder responder;       ///< asked first, before anything of the request's parameter is read
     std::wstring workFolder;   ///< for the files of decisions; empty: %temp%\agent
-    std::wstring recordFolder; ///< each inspection's document and decision are kept here; empty: nowhere
+    std::wstring recordFolder; ///< gets each inspection's document and decision, a line for each request; empty: none
+    bool keepsRequests = true; ///< whether Agent::Requests has any; an agent that runs for long does without
+    std::size_t longestRequest = 512u << 20;      ///< bytes; a client that sends more is cut off
     std::vector<MisbehaviourRule> misbehaviour;   ///< beside those of the policy
     std::function<void(const std::wstring&)> log; ///< gets one line for each inspection and each oddity
     std::function<void()> inspected;              ///< called after each inspection, once its answer is out
@@ -81,9 +98,12 @@ public:
     void SetPolicy(Policy policy);
     void SetResponder(Responder responder);
 
+    Served Numbers() const;
+
     /// Adds a misbehaviour for the requests that come from now on; of two for one method the later holds.
     /// Misbehaviour::None makes the agent behave again; one that refused listens again.
-    void Misbehave(Misbehaviour kind, const std::wstring& method = {}, const std::wstring& words = {});
+    /// Throws std::runtime_error for a method with a misbehaviour that holds for all requests alike.
+    void Misbehave(const Misbehaviour& misbehaviour, const std::wstring& method = {});
 
 private:
     class Impl;

@@ -10,17 +10,18 @@ namespace stand_ins::agent {
 /// One accepted connection. Every wait ends early when the server stops.
 class Connection {
 public:
-    /// Takes the socket; `stop` is the event that ends all waiting.
-    Connection(SOCKET socket, HANDLE stop);
+    /// Takes the socket; `stop` has something to read once all waiting is to end.
+    Connection(SOCKET socket, SOCKET stop);
     ~Connection();
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 
-    /// Reads until what came ends in the delimiter. False: the client or the server ended first.
-    bool Receive(std::string& bytes);
+    /// Reads until what came ends in the delimiter. False: the client or the server ended first, or `most` bytes came
+    /// without one.
+    bool Receive(std::string& bytes, std::size_t most);
 
-    /// False: the client or the server ended first.
-    bool Send(std::string_view bytes);
+    /// How many of the bytes went out: fewer than all if the client or the server ended first.
+    std::size_t Send(std::string_view bytes);
 
     /// Waits; false when the server stops.
     bool Pause(std::uint32_t milliseconds);
@@ -36,12 +37,12 @@ public:
 
 private:
     enum class Outcome { Done, Wait, Ended };
-    Outcome Judge_(int result) const;
-    bool Await_();
+    static Outcome Judge_(int result);
+    bool AwaitInput_();
+    bool AwaitRoom_();
 
     SOCKET socket_;
-    HANDLE stop_;
-    WSAEVENT activity_;
+    SOCKET stop_;
 };
 
 } // namespace stand_ins::agent

@@ -1,127 +1,91 @@
 #include "stand-ins/agent/Delivery.h"
 
-#include <utility>
+#include <algorithm>
+#include <iterator>
 
-#include "stand-ins/agent/Message.h"
+#include "stand-ins/agent/Connection.h"
+#include "stand-ins/agent/Quantity.h"
 
 namespace stand_ins::agent {
 namespace {
 
 /// Long enough for a client to read what has come before the next piece comes.
-constexpr std::uint32_t kGap = 15;
+constexpr std::uint32_t kMoment = 15;
 
-std::string Framed_(const WireMessage& message) {
-    return ToWire(message.ToText()) + ToWire(kDelimiter);
+/// Where the piece ends that begins at the place.
+std::size_t PieceEnd_(const Delivery& delivery, const std::vector<std::size_t>& splits, std::size_t at,
+                      std::size_t size) {
+    const std::size_t piece = delivery.piece == 0 ? size : delivery.piece;
+    const auto split = std::ranges::upper_bound(splits, at);
+    return std::min({size, at + piece, split == splits.end() ? size : *split});
 }
 
-WireMessage MessageOf_(const Answer& answer) {
-    WireMessage message;
-    message.pid = GetCurrentProcessId();
-    switch (answer.kind) {
-    case Answer::Kind::Number:
-        message.entries[L"Result"] = {std::to_wstring(answer.number), L"int"};
-        break;
-    case Answer::Kind::Error:
-        message.type = L"Error";
-        message.entries[L"Error"] = {answer.text};
-        break;
-    default:
-        message.entries[L"Result"] = {answer.text};
-    }
-    return message;
-}
-
-bool SendByteByByte_(Connection& connection, const std::string& bytes) {
-    for (const char& byte : bytes) {
-        if (!connection.Send({&byte, 1})) {
-            return false;
+/// `whole`: the size of the answer, of which these bytes are the beginning.
+std::size_t SendInPieces_(Connection& connection, std::string_view bytes, const Delivery& delivery, std::size_t whole) {
+    std::vector<std::size_t> splits;
+    std::ranges::transform(delivery.splits, std::back_inserter(splits),
+                           [whole](const Position& split) { return split.In(whole); });
+    std::ranges::sort(splits);
+    std::size_t sent = 0;
+    while (sent < bytes.size()) {
+        const std::size_t end = PieceEnd_(delivery, splits, sent, bytes.size());
+        const std::size_t wanted = end - sent;
+        const std::size_t count = connection.Send(bytes.substr(sent, wanted));
+        sent += count;
+        const bool isSplit = std::ranges::binary_search(splits, sent);
+        if (count < wanted || (sent < bytes.size() && !connection.Pause(isSplit ? kMoment : delivery.gap))) {
+            break;
         }
     }
-    return true;
-}
-
-/// Five pieces of an odd size each but the last: the reader holds half a code unit four times.
-bool SendOddSplit_(Connection& connection, std::string_view bytes) {
-    const std::size_t size = (bytes.size() / 5) | 1;
-    while (bytes.size() > size) {
-        if (!connection.Send(bytes.substr(0, size)) || !connection.Pause(kGap)) {
-            return false;
-        }
-        bytes.remove_prefix(size);
-    }
-    return connection.Send(bytes);
-}
-
-/// The answer's message as a bad agent writes it.
-WireMessage Spoilt_(const Answer& answer, const MisbehaviourRule& misbehaviour) {
-    WireMessage message = MessageOf_(answer);
-    switch (misbehaviour.kind) {
-    case Misbehaviour::Error:
-        return MessageOf_(Answer::Error(misbehaviour.words));
-    case Misbehaviour::NoResult:
-        message.type = L"Response";
-        message.entries.clear();
-        break;
-    case Misbehaviour::WrongTag:
-        for (auto& [name, entry] : message.entries) {
-            entry.tag = entry.tag == L"int" ? L"string" : L"int";
-        }
-        break;
-    case Misbehaviour::WrongTypeTest:
-        message.type = L"Test";
-        break;
-    case Misbehaviour::WrongTypeRequest:
-        message.type = L"Request";
-        break;
-    default:
-        break;
-    }
-    return message;
+    return sent;
 }
 
 } // namespace
 
-std::string BytesOf(const Answer& answer) {
-    return answer.kind == Answer::Kind::Bytes ? answer.bytes : Framed_(MessageOf_(answer));
+std::optional<Position> Position::FromText(std::wstring_view text) {
+    Position position;
+    if (text.starts_with(L'-')) {
+        position.unit = Unit::FromEnd;
+        text.remove_prefix(1);
+    } else if (text.ends_with(L'%')) {
+        position.unit = Unit::Percent;
+        text.remove_suffix(1);
+    }
+    const auto number = ReadNumber(text);
+    if (!number || (position.unit == Unit::Percent && *number > 100)) {
+        return std::nullopt;
+    }
+    position.value = *number;
+    return position;
 }
 
-bool Deliver(Connection& connection, const Answer& answer, const MisbehaviourRule& misbehaviour) {
-    bool isGood = true;
-    switch (misbehaviour.kind) {
-    case Misbehaviour::None:
-        isGood = connection.Send(BytesOf(answer));
-        break;
-    case Misbehaviour::TwoMessages:
-        isGood = connection.Send(BytesOf(answer) + BytesOf(answer));
-        break;
-    case Misbehaviour::ByteByByte:
-        isGood = SendByteByByte_(connection, BytesOf(answer));
-        break;
-    case Misbehaviour::OddSplit:
-        isGood = SendOddSplit_(connection, BytesOf(answer));
-        break;
-    case Misbehaviour::CloseMidMessage: {
-        const std::string bytes = BytesOf(answer);
-        connection.Send(std::string_view(bytes).substr(0, bytes.size() / 2));
-        isGood = false;
-        break;
+std::size_t Position::In(std::size_t size) const {
+    const std::size_t place = unit == Unit::FromStart ? value
+                              : unit == Unit::FromEnd ? size - std::min(value, size)
+                                                      : size * value / 100;
+    return std::min(isOdd ? place | 1 : place, size);
+}
+
+std::size_t Deliver(Connection& connection, std::string_view bytes, const Delivery& delivery) {
+    if (!connection.Pause(delivery.delay)) {
+        return 0;
     }
-    case Misbehaviour::Garbage:
-        connection.Send(ToWire(L"This is no message.") + ToWire(kDelimiter));
-        isGood = false;
-        break;
-    case Misbehaviour::Reset:
-        connection.Reset();
-        return false;
-    case Misbehaviour::Silent:
+    const std::string_view wanted = bytes.substr(0, delivery.stop ? delivery.stop->In(bytes.size()) : bytes.size());
+    const std::size_t sent = SendInPieces_(connection, wanted, delivery, bytes.size());
+    switch (delivery.end.value_or(Delivery::End::Close)) {
+    case Delivery::End::Close:
+        connection.Finish();
+        return sent;
+    case Delivery::End::Silence:
         connection.AwaitEnd();
-        return false;
-    default:
-        connection.Send(Framed_(Spoilt_(answer, misbehaviour)));
-        isGood = false;
+        return sent;
+    case Delivery::End::Death:
+        return sent;
+    case Delivery::End::Reset:
+        break;
     }
-    connection.Finish();
-    return isGood;
+    connection.Reset();
+    return 0;
 }
 
 } // namespace stand_ins::agent

@@ -2,89 +2,78 @@
 
 #include <algorithm>
 #include <map>
-#include <stdexcept>
-
-#include <tinyxml.h>
+#include <utility>
 
 #include "stand-ins/agent/Text.h"
+#include "stand-ins/agent/Xml.h"
 
 namespace stand_ins::agent {
 namespace {
 
-void Parse_(TiXmlDocument& document, std::wstring_view xml) {
-    // White space in a body is the user's.
-    TiXmlBase::SetCondenseWhiteSpace(false);
-    document.Parse(ToUtf8(xml).c_str(), nullptr, TIXML_ENCODING_UTF8);
-    if (document.Error()) {
-        throw std::runtime_error("malformed inspector document, line " + std::to_string(document.ErrorRow()) +
-                                 ", column " + std::to_string(document.ErrorCol()) + ": " + document.ErrorDesc());
-    }
-}
-
-std::wstring Attribute_(const TiXmlElement& element, const char* name) {
-    const char* value = element.Attribute(name);
-    return value == nullptr ? std::wstring() : FromUtf8(value);
-}
-
-std::wstring ChildText_(const TiXmlElement& element, const char* name) {
-    const TiXmlElement* child = element.FirstChildElement(name);
-    const char* text = child == nullptr ? nullptr : child->GetText();
-    return text == nullptr ? std::wstring() : FromUtf8(text);
-}
-
-/// Calls body(name, value) for each child of this kind.
-template <class Body>
-void EachPair_(const TiXmlElement& parent, const char* kind, Body&& body) {
-    for (auto child = parent.FirstChildElement(kind); child != nullptr; child = child->NextSiblingElement(kind)) {
-        body(Attribute_(*child, "name"), Attribute_(*child, "value"));
-    }
-}
-
-void ReadContext_(Inspection& inspection, const TiXmlElement& context) {
-    EachPair_(context, "item", [&](const std::wstring& name, const std::wstring& value) {
-        if (name == L"EmailSubject") {
-            inspection.subject = value;
-        } else if (name == L"EmailFrom") {
-            inspection.sender = value;
-        } else if (name == L"EmailBody") {
-            inspection.bodyFile = value;
-        } else if (name == L"EmailTo" || name == L"EmailCc" || name == L"EmailBcc" || name == L"IncidentDestination") {
-            if (std::ranges::find(inspection.recipients, value) == inspection.recipients.end()) {
-                inspection.recipients.push_back(value);
-            }
-        }
-    });
-}
-
-void ReadDataItem_(Inspection& inspection, const TiXmlElement& item) {
+/// A "dataItem" while it is read: its context, and the texts of its other elements by their names.
+struct DataItem_ {
     std::map<std::wstring, std::wstring> context;
-    EachPair_(item, "contextItem", [&](const std::wstring& name, const std::wstring& value) { context[name] = value; });
-    const std::wstring encoding = ChildText_(item, "dataEncoding");
-    const std::wstring data = ChildText_(item, "data");
+    std::map<std::wstring, std::wstring> texts;
+};
+
+void AddContext_(Inspection& inspection, const std::wstring& name, const std::wstring& value) {
+    if (name == L"EmailSubject") {
+        inspection.subject = value;
+    } else if (name == L"EmailFrom") {
+        inspection.sender = value;
+    } else if (name == L"EmailBody") {
+        inspection.bodyFile = value;
+    } else if (name == L"EmailTo" || name == L"EmailCc" || name == L"EmailBcc" || name == L"IncidentDestination") {
+        if (std::ranges::find(inspection.recipients, value) == inspection.recipients.end()) {
+            inspection.recipients.push_back(value);
+        }
+    }
+}
+
+void AddDataItem_(Inspection& inspection, DataItem_ item, const XmlReader& reader) {
+    const std::wstring encoding = item.texts[L"dataEncoding"];
+    const std::wstring data = item.texts[L"data"];
     if (encoding == L"filePath") {
-        inspection.attachments.push_back({data, context[L"DataLocation"]});
-    } else if (encoding == L"text" && context[L"ItemType"] != L"EmailSubject") {
-        inspection.body += data;
+        inspection.attachments.push_back({data, item.context[L"DataLocation"]});
+    } else if (encoding == L"base64") {
+        const auto bytes = DecodeBase64(data);
+        if (!bytes) {
+            reader.Fail("a \"data\" that is not the base64 that it should be");
+        }
+        inspection.blocks.push_back(*bytes);
+    } else if (encoding == L"text") {
+        inspection.body += item.context[L"ItemType"] == L"EmailSubject" ? L"" : data;
+    } else if (encoding != L"folderPath") {
+        reader.Fail("\"" + ToUtf8(encoding) + "\" is no \"dataEncoding\"");
     }
 }
 
 } // namespace
 
 Inspection Inspection::FromXml(std::wstring_view xml) {
-    TiXmlDocument document;
-    Parse_(document, xml);
-    const TiXmlElement* root = document.FirstChildElement("inspectorMessage");
-    if (root == nullptr) {
-        throw std::runtime_error("malformed inspector document: it has no \"inspectorMessage\"");
+    XmlReader reader(xml, "inspector document");
+    std::wstring data;
+    const auto root = reader.Next(data);
+    if (!root || root->isEnd || root->name != L"inspectorMessage") {
+        reader.Fail("it does not begin with <inspectorMessage>");
+    }
+    if (reader.Attribute(*root, L"version") != L"1") {
+        reader.Fail("only version 1 is known");
     }
     Inspection inspection;
-    inspection.channel = Attribute_(*root, "channel");
-    if (const TiXmlElement* context = root->FirstChildElement("context")) {
-        ReadContext_(inspection, *context);
-    }
-    for (auto item = root->FirstChildElement("dataItem"); item != nullptr;
-         item = item->NextSiblingElement("dataItem")) {
-        ReadDataItem_(inspection, *item);
+    inspection.channel = reader.Attribute(*root, L"channel");
+    DataItem_ item;
+    while (const auto tag = reader.Next(data)) {
+        if (tag->isEnd && tag->name == L"dataItem") {
+            AddDataItem_(inspection, std::exchange(item, {}), reader);
+        } else if (tag->isEnd) {
+            item.texts[tag->name] = data;
+        } else if (tag->name == L"item") {
+            AddContext_(inspection, reader.Attribute(*tag, L"name"), reader.Attribute(*tag, L"value"));
+        } else if (tag->name == L"contextItem") {
+            item.context[reader.Attribute(*tag, L"name")] = reader.Attribute(*tag, L"value");
+        }
+        data.clear();
     }
     return inspection;
 }
@@ -95,18 +84,10 @@ const std::vector<std::wstring>& Inspection::Contents() const {
         for (const InspectedFile& file : attachments) {
             contents.push_back(DecodeText(ReadWholeFile(file.path)));
         }
+        std::ranges::transform(blocks, std::back_inserter(contents), DecodeText);
         contents_ = std::move(contents);
     }
     return *contents_;
-}
-
-std::string Indented(std::wstring_view xml) {
-    TiXmlDocument document;
-    Parse_(document, xml);
-    TiXmlPrinter printer;
-    printer.SetIndent("  ");
-    document.Accept(&printer);
-    return printer.Str();
 }
 
 } // namespace stand_ins::agent

@@ -21,19 +21,17 @@ struct Inspection {
     std::wstring body;                    ///< the plain text
     std::wstring bodyFile;                ///< path of the body in the item's own form; may be empty
     std::vector<InspectedFile> attachments;
+    std::vector<std::string> blocks; ///< bytes that travel in the document itself
 
-    /// Throws std::runtime_error with the parser's words and the place.
+    /// Throws std::runtime_error: what is wrong and at which character.
     static Inspection FromXml(std::wstring_view xml);
 
-    /// The text in each attachment, in their order, read on first use by the one thread that judges the item.
-    /// Throws std::runtime_error for a file that cannot be read.
+    /// The text in each attachment and each block, in their order, read on first use by the one thread that judges the
+    /// item. Throws std::runtime_error for a file that cannot be read.
     const std::vector<std::wstring>& Contents() const;
 
 private:
     mutable std::optional<std::vector<std::wstring>> contents_;
 };
-
-/// The same document, indented for a reader. Throws as Inspection::FromXml.
-std::string Indented(std::wstring_view xml);
 
 } // namespace stand_ins::agent

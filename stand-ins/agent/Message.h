@@ -1,6 +1,7 @@
 #pragma once
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -8,14 +9,19 @@ namespace stand_ins::agent {
 
 /// One entry of a message.
 struct MessageEntry {
-    std::wstring value;           ///< the text form
-    std::wstring tag = L"string"; ///< "string", "int" or "byte[]"
+    std::wstring value;                              ///< the text form
+    std::wstring tag = L"string";                    ///< "string", "int" or "byte[]"
+    std::optional<std::wstring> size = std::nullopt; ///< as it stands in the text; nothing: what the value has
+
+    /// What the size should be: the bytes of the text, or of what the base64 stands for.
+    std::size_t TrueSize() const;
 };
 
 /// The unit of the wire: a typed table of named values, XML text in UTF-16 little-endian.
 struct WireMessage {
     std::wstring type = L"Response"; ///< "Request", "Response", "Error" or "Test"
     std::uint32_t pid = 0;           ///< the sender's process
+    std::wstring version = L"1";
     std::map<std::wstring, MessageEntry> entries;
 
     /// Reads the text of one message, without its delimiter. Throws std::runtime_error with what is wrong and at which

@@ -32,7 +32,8 @@ struct Actions {
     std::wstring bodyAfter;  ///< text put behind the body
     std::optional<Replacement> replacement;
     std::uint32_t delay = 0;              ///< milliseconds before the answer
-    std::optional<std::wstring> decision; ///< the decision's literal text, instead of all the others but the delay
+    std::optional<std::wstring> decision; ///< the decision's literal text, instead of the changes above
+    Misbehaviour misbehaviour;            ///< of this one answer
 };
 
 /// A rule: the first one whose conditions all hold decides.
@@ -40,6 +41,14 @@ struct Rule {
     std::wstring name;
     std::vector<std::shared_ptr<const agent::Condition>> conditions; ///< none: the rule always holds
     Actions actions;
+};
+
+/// What an application may do with a file, as it is told with the channels. The numbers are the applications' own.
+struct FilePermission {
+    std::wstring path;
+    std::int32_t operation = 0; ///< "operator"
+    std::int32_t fileClass = 0; ///< "class"
+    bool isInspected = false;
 };
 
 /// A verdict with its reason.
@@ -73,7 +82,9 @@ public:
 
     std::map<std::wstring, std::int32_t> executionModes; ///< by channel; "*" is any other; neither: 1
     std::vector<std::wstring> channels;                  ///< those in force for an application
-    bool directives = true;                              ///< whether a mail's own wishes are honoured
+    bool inspectsLaunch = false;                         ///< whether the launch of an application is inspected
+    std::vector<FilePermission> filePermissions;
+    bool directives = true; ///< whether a mail's own wishes are honoured
     std::vector<Rule> rules;
     std::vector<MisbehaviourRule> misbehaviour; ///< in force with the policy
 };

@@ -9,8 +9,8 @@
 #include <nlohmann/json.hpp>
 
 #include "stand-ins/agent/Condition.h"
-#include "stand-ins/agent/Directives.h"
 #include "stand-ins/agent/Policy.h"
+#include "stand-ins/agent/Quantity.h"
 #include "stand-ins/agent/Text.h"
 
 namespace stand_ins {
@@ -173,6 +173,16 @@ Replacement ReadReplacement_(const Node_& node, const std::filesystem::path& fol
     return replacement;
 }
 
+/// What a reader of misbehaviour says is wrong, at its place.
+template <class Read>
+auto Misbehaviour_(const Node_& node, Read&& read) {
+    try {
+        return read(node.String());
+    } catch (const std::runtime_error& failure) {
+        node.Fail(failure.what());
+    }
+}
+
 void ReadActions_(const Node_& node, Actions& actions, const std::filesystem::path& folder) {
     bool isAllowed = false;
     node.Members<Reader_>(
@@ -185,7 +195,9 @@ void ReadActions_(const Node_& node, Actions& actions, const std::filesystem::pa
           }},
          {"replaceAttachments", [&](const Node_& value) { actions.replacement = ReadReplacement_(value, folder); }},
          {"delay", [&](const Node_& value) { actions.delay = value.Duration(); }},
-         {"decision", [&](const Node_& value) { actions.decision = value.String(); }}});
+         {"decision", [&](const Node_& value) { actions.decision = value.String(); }},
+         {"misbehave",
+          [&](const Node_& value) { actions.misbehaviour = Misbehaviour_(value, &Misbehaviour::OfItem); }}});
     if (actions.block && isAllowed) {
         node.Fail("cannot block and allow");
     }
@@ -206,33 +218,43 @@ Rule ReadRule_(const Node_& node, const std::filesystem::path& folder) {
     return rule;
 }
 
+FilePermission ReadFilePermission_(const Node_& node) {
+    FilePermission permission;
+    node.Members<Reader_>({{"path", Into_(permission.path)},
+                           {"operator", [&](const Node_& value) { permission.operation = value.Integer(); }},
+                           {"class", [&](const Node_& value) { permission.fileClass = value.Integer(); }},
+                           {"inspect", [&](const Node_& value) { permission.isInspected = value.Bool(); }}});
+    return permission;
+}
+
 Policy ReadPolicy_(const Node_& node, const std::filesystem::path& folder) {
     Policy policy;
-    node.Members<Reader_>({{"executionMode",
-                            [&](const Node_& modes) {
-                                modes.EachMember([&](const std::string& channel, const Node_& mode) {
-                                    policy.executionModes[FromUtf8(channel)] = mode.Integer();
-                                });
-                            }},
-                           {"channels",
-                            [&](const Node_& list) {
-                                list.EachItem([&](const Node_& name) { policy.channels.push_back(name.String()); });
-                            }},
-                           {"directives", [&](const Node_& value) { policy.directives = value.Bool(); }},
-                           {"misbehave",
-                            [&](const Node_& list) {
-                                list.EachItem([&](const Node_& item) {
-                                    try {
-                                        policy.misbehaviour.push_back(MisbehaviourRule::FromText(item.String()));
-                                    } catch (const std::runtime_error& failure) {
-                                        item.Fail(failure.what());
-                                    }
-                                });
-                            }},
-                           {"rules", [&](const Node_& list) {
-                                list.EachItem(
-                                    [&](const Node_& rule) { policy.rules.push_back(ReadRule_(rule, folder)); });
-                            }}});
+    node.Members<Reader_>(
+        {{"executionMode",
+          [&](const Node_& modes) {
+              modes.EachMember([&](const std::string& channel, const Node_& mode) {
+                  policy.executionModes[FromUtf8(channel)] = mode.Integer();
+              });
+          }},
+         {"channels",
+          [&](const Node_& list) {
+              list.EachItem([&](const Node_& name) { policy.channels.push_back(name.String()); });
+          }},
+         {"inspectLaunch", [&](const Node_& value) { policy.inspectsLaunch = value.Bool(); }},
+         {"filePermissions",
+          [&](const Node_& list) {
+              list.EachItem([&](const Node_& item) { policy.filePermissions.push_back(ReadFilePermission_(item)); });
+          }},
+         {"directives", [&](const Node_& value) { policy.directives = value.Bool(); }},
+         {"misbehave",
+          [&](const Node_& list) {
+              list.EachItem([&](const Node_& item) {
+                  policy.misbehaviour.push_back(Misbehaviour_(item, &MisbehaviourRule::FromText));
+              });
+          }},
+         {"rules", [&](const Node_& list) {
+              list.EachItem([&](const Node_& rule) { policy.rules.push_back(ReadRule_(rule, folder)); });
+          }}});
     return policy;
 }
 

@@ -1,5 +1,6 @@
 #include "stand-ins/agent/Server.h"
 
+#include <algorithm>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -34,7 +35,7 @@ std::optional<sockaddr_in> Bound_(SOCKET socket, std::uint16_t port) {
 }
 
 /// A datagram socket that sends to itself.
-SOCKET NewWakeSocket_() {
+SOCKET NewDatagramSocket_() {
     StartWinsock_();
     const SOCKET wake = socket(AF_INET, SOCK_DGRAM, IPPROTO_UDP);
     const auto address = Bound_(wake, 0);
@@ -45,14 +46,23 @@ SOCKET NewWakeSocket_() {
     return wake;
 }
 
+/// Makes a datagram socket readable.
+void Signal_(SOCKET socket) {
+    send(socket, "", 1, 0);
+}
+
+/// Threads that stay although there is nothing to do.
+constexpr std::size_t kSpareThreads = 8;
+constexpr SIZE_T kStackBytes = 512 * 1024;
+
 } // namespace
 
 Server::Server(std::uint16_t port, std::function<void(Connection&)> serve)
-    : serve_(std::move(serve)), stop_(CreateEventW(nullptr, TRUE, FALSE, nullptr)), wake_(NewWakeSocket_()) {
+    : serve_(std::move(serve)), stop_(NewDatagramSocket_()), wake_(NewDatagramSocket_()) {
     Bind_(port);
     if (listener_ == INVALID_SOCKET) {
         const int error = WSAGetLastError();
-        CloseHandle(stop_);
+        closesocket(stop_);
         closesocket(wake_);
         throw std::runtime_error("Cannot take port " + std::to_string(port) + " of 127.0.0.1: error " +
                                  std::to_string(error));
@@ -62,26 +72,32 @@ Server::Server(std::uint16_t port, std::function<void(Connection&)> serve)
 }
 
 Server::~Server() {
-    std::vector<HANDLE> threads;
+    std::vector<Thread_> threads;
     {
         const Monitor::Hold hold(monitor_);
         isStopping_ = true;
         threads = std::exchange(threads_, {});
     }
-    SetEvent(stop_);
-    Wake_();
-    for (const HANDLE thread : threads) {
-        WaitForSingleObject(thread, INFINITE);
-        CloseHandle(thread);
+    Signal_(stop_);
+    Signal_(wake_);
+    for (const Thread_& thread : threads) {
+        WaitForSingleObject(thread.handle, INFINITE);
+        CloseHandle(thread.handle);
     }
     closesocket(listener_);
     closesocket(wake_);
-    CloseHandle(stop_);
+    closesocket(stop_);
 }
 
 std::uint16_t Server::Port() const {
     const Monitor::Hold hold(monitor_);
     return port_;
+}
+
+std::size_t Server::ThreadCount() const {
+    const Monitor::Hold hold(monitor_);
+    return static_cast<std::size_t>(
+        std::ranges::count_if(threads_, [](const Thread_& thread) { return !thread.hasEnded; }));
 }
 
 void Server::Listen() {
@@ -100,7 +116,7 @@ void Server::Listen() {
     if (!isListening_) {
         throw std::runtime_error("Cannot listen: error " + std::to_string(WSAGetLastError()));
     }
-    Wake_();
+    Signal_(wake_);
 }
 
 void Server::Refuse() {
@@ -113,21 +129,30 @@ void Server::Refuse() {
             // Somebody else may listen on the old port by now: a held one refuses for certain.
             Bind_(0);
         }
-        Wake_();
+        Signal_(wake_);
     }
 }
 
-DWORD WINAPI Server::Thread_(void* server) {
+DWORD WINAPI Server::Procedure_(void* server) {
     static_cast<Server*>(server)->Run_();
     return 0;
 }
 
 void Server::StartThread_() {
-    const HANDLE thread = CreateThread(nullptr, 0, &Server::Thread_, this, 0, nullptr);
+    DWORD id = 0;
+    const HANDLE thread =
+        CreateThread(nullptr, kStackBytes, &Server::Procedure_, this, STACK_SIZE_PARAM_IS_A_RESERVATION, &id);
     if (thread != nullptr) {
-        threads_.push_back(thread);
+        threads_.push_back({thread, id});
         ++waiting_;
     }
+}
+
+void Server::JoinEnded_() {
+    std::erase_if(threads_, [](const Thread_& thread) {
+        return thread.hasEnded && WaitForSingleObject(thread.handle, INFINITE) == WAIT_OBJECT_0 &&
+               CloseHandle(thread.handle);
+    });
 }
 
 void Server::Run_() {
@@ -138,11 +163,26 @@ void Server::Run_() {
                 StartThread_();
             }
         }
-        Connection connection(socket, stop_);
-        serve_(connection);
-        const Monitor::Hold hold(monitor_);
-        ++waiting_;
+        {
+            Connection connection(socket, stop_);
+            serve_(connection);
+        }
+        if (Leaves_()) {
+            return;
+        }
     }
+}
+
+/// Whether the calling thread, which has done its work, is one too many.
+bool Server::Leaves_() {
+    const Monitor::Hold hold(monitor_);
+    if (waiting_ < kSpareThreads || isStopping_) {
+        ++waiting_;
+        return false;
+    }
+    JoinEnded_();
+    std::ranges::find(threads_, GetCurrentThreadId(), &Thread_::id)->hasEnded = true;
+    return true;
 }
 
 SOCKET Server::Accept_() {
@@ -150,6 +190,8 @@ SOCKET Server::Accept_() {
     const Monitor::Hold turn(turn_);
     for (;;) {
         fd_set readable{1, {wake_}};
+        timeval soon{0, 50000};
+        timeval* limit = nullptr;
         {
             const Monitor::Hold hold(monitor_);
             if (isStopping_) {
@@ -160,19 +202,20 @@ SOCKET Server::Accept_() {
                 if (accepted != INVALID_SOCKET) {
                     return accepted;
                 }
-                readable = {2, {wake_, listener_}};
+                if (WSAGetLastError() == WSAEWOULDBLOCK) {
+                    readable = {2, {wake_, listener_}};
+                } else {
+                    // A client that is gone already, or no socket left for it: not to be asked for without a pause.
+                    limit = &soon;
+                }
             }
         }
         // A listener that is closed in the meantime makes this fail at once, and the next turn does without it.
-        if (select(0, &readable, nullptr, nullptr, nullptr) > 0 && FD_ISSET(wake_, &readable)) {
+        if (select(0, &readable, nullptr, nullptr, limit) > 0 && FD_ISSET(wake_, &readable)) {
             char ignored;
             recv(wake_, &ignored, 1, 0);
         }
     }
-}
-
-void Server::Wake_() {
-    send(wake_, "", 1, 0);
 }
 
 /// Binds a new socket; listener_ stays invalid if the port is not to be had.

@@ -1,6 +1,5 @@
 #pragma once
 #include <atomic>
-#include <cstdint>
 #include <functional>
 #include <string>
 
@@ -11,16 +10,13 @@ namespace stand_ins::agent {
 /// The plug-ins and their methods: what is answered to a request.
 class Service {
 public:
-    /// Waits that many milliseconds; false when the agent ends.
-    using Pause = std::function<bool(std::uint32_t)>;
-
     Service(std::wstring workFolder, std::wstring recordFolder, std::function<void(const std::wstring&)> log);
 
     /// Never throws: what fails becomes an `Error` answer that says so.
-    Answer Handle(const Request& request, const Policy& policy, const Pause& pause);
+    Answer Handle(const Request& request, const Policy& policy);
 
 private:
-    Answer Inspect_(const Request& request, const Policy& policy, const Pause& pause);
+    Answer Inspect_(const Request& request, const Policy& policy);
     Answer BeginInspect_(const Request& request, const Policy& policy);
     void Record_(const std::wstring& document, const std::wstring& decision);
     void Log_(const std::wstring& line) const;

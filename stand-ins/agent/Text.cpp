@@ -1,6 +1,7 @@
 #include "stand-ins/agent/Text.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
 #include <limits>
 #include <stdexcept>
@@ -84,6 +85,20 @@ std::wstring Lower(std::wstring_view text) {
     return lower;
 }
 
+std::wstring_view Trimmed(std::wstring_view text) {
+    const std::size_t begin = text.find_first_not_of(L" \t");
+    return begin == std::wstring_view::npos ? std::wstring_view()
+                                            : text.substr(begin, text.find_last_not_of(L" \t") + 1 - begin);
+}
+
+std::wstring OneLine(std::wstring_view text) {
+    constexpr std::size_t kMost = 200;
+    std::wstring line(text.substr(0, kMost));
+    std::ranges::replace_if(
+        line, [](wchar_t c) { return c < L' ' || c == 0x7F; }, L' ');
+    return text.size() > kMost ? line + L"..." : line;
+}
+
 std::wstring ReplaceAll(std::wstring text, std::wstring_view from, std::wstring_view to) {
     for (std::size_t at = text.find(from); at != std::wstring::npos; at = text.find(from, at + to.size())) {
         text.replace(at, from.size(), to);
@@ -121,6 +136,31 @@ std::wstring Escape(std::wstring_view text) {
         }
     }
     return escaped;
+}
+
+std::optional<std::string> DecodeBase64(std::wstring_view text) {
+    constexpr std::wstring_view kDigits = L"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    const std::size_t padding = text.ends_with(L"==") ? 2 : text.ends_with(L"=") ? 1 : 0;
+    if (text.size() % 4 != 0) {
+        return std::nullopt;
+    }
+    text.remove_suffix(padding);
+    std::string bytes;
+    std::uint32_t bits = 0;
+    int count = 0;
+    for (const wchar_t digit : text) {
+        const std::size_t value = kDigits.find(digit);
+        if (value == std::wstring_view::npos) {
+            return std::nullopt;
+        }
+        bits = bits << 6 | static_cast<std::uint32_t>(value);
+        count += 6;
+        if (count >= 8) {
+            count -= 8;
+            bytes += static_cast<char>(bits >> count & 0xFF);
+        }
+    }
+    return bytes;
 }
 
 std::wstring NewGuid() {

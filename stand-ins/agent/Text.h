@@ -1,4 +1,5 @@
 #pragma once
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -16,10 +17,19 @@ std::wstring DecodeText(std::string_view bytes);
 /// Lower case by no particular language.
 std::wstring Lower(std::wstring_view text);
 
+/// Without the blanks round it.
+std::wstring_view Trimmed(std::wstring_view text);
+
+/// For a line that a person reads: 200 characters at most, and blanks for line ends and other controls.
+std::wstring OneLine(std::wstring_view text);
+
 std::wstring ReplaceAll(std::wstring text, std::wstring_view from, std::wstring_view to);
 
 /// For XML and HTML, in text and in attributes.
 std::wstring Escape(std::wstring_view text);
+
+/// RFC 4648, padded, without line breaks; nothing for any other text.
+std::optional<std::string> DecodeBase64(std::wstring_view text);
 
 /// "{GUID}".
 std::wstring NewGuid();

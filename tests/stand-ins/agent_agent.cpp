@@ -1,5 +1,3 @@
-#include "stand-ins/agent/Agent.h"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -8,44 +6,10 @@
 #include "platform/Windows.h"
 #include "stand-ins/agent/Message.h"
 #include "stand-ins/agent/Text.h"
-#include "tests/stand-ins/agent_client.h"
+#include "tests/stand-ins/agent_serving.h"
 
 using namespace stand_ins;
 using namespace agent_tests;
-
-namespace {
-
-const std::wstring kData = L"DataControlPlugin";
-const std::wstring kControl = L"ApplicationControlPlugin";
-
-class AgentServing : public testing::Test {
-protected:
-    AgentOptions Options_() {
-        AgentOptions options;
-        options.service = service_;
-        options.workFolder = work_.Path();
-        options.log = [this](const std::wstring& line) { log_.push_back(line); };
-        return options;
-    }
-
-    std::wstring Inspect_(const Agent& agent, const std::wstring& document) {
-        return Call(agent.Port(), kData, L"Inspect", document);
-    }
-
-    /// The answer to one inspection from an agent that misbehaves.
-    Reply Misbehaved_(Misbehaviour kind) {
-        Agent agent(Options_());
-        agent.Misbehave(kind, L"Inspect");
-        EXPECT_EQ(Call(agent.Port(), kData, L"GetExecutionMode", L"Email"), L"Response int: 1");
-        return Exchange(agent.Port(), CallBytes(kData, L"Inspect", MailDocument(L"Plans", L"")));
-    }
-
-    const std::wstring service_ = OwnService();
-    const OwnFolder work_;
-    std::vector<std::wstring> log_;
-};
-
-} // namespace
 
 TEST_F(AgentServing, ThePortIsPublishedAsLongAsTheAgentLives) {
     {
@@ -79,9 +43,7 @@ TEST_F(AgentServing, ATakenPortIsRefusedAndNothingPublished) {
 }
 
 TEST_F(AgentServing, EachMethodAnswersInItsType) {
-    AgentOptions options = Options_();
-    options.policy.channels = {L"Paste", L"Http"};
-    const Agent agent(std::move(options));
+    const Agent agent(Options_());
     EXPECT_EQ(Call(agent.Port(), kData, L"GetExecutionMode", L"Email"), L"Response int: 1");
     EXPECT_EQ(Inspect_(agent, MailDocument(L"Plans", L"text")), L"Response string: <decision result=\"1\" />");
     EXPECT_EQ(Call(agent.Port(), kData, L"BeginInspect", MailDocument(L"[[block]]", L"")),
@@ -89,8 +51,8 @@ TEST_F(AgentServing, EachMethodAnswersInItsType) {
     EXPECT_EQ(Call(agent.Port(), kControl, L"HandleAppLaunchFileAccess", L"x"), L"Response int: 0");
     EXPECT_EQ(Call(agent.Port(), kControl, L"ProcessExit", L"x"), L"Response int: 0");
     EXPECT_EQ(Call(agent.Port(), kControl, L"StartAppMgrIdentifyChannels", L"x"),
-              L"Response string: <DataAccessChannelsMessage><channels><channel>Paste</channel><channel>Http</channel>"
-              L"</channels><ApplicationLaunch inspect=\"False\" /></DataAccessChannelsMessage>");
+              L"Response string: <DataAccessChannelsMessage><channels></channels><ApplicationLaunch "
+              L"inspect=\"False\" /></DataAccessChannelsMessage>");
 }
 
 TEST_F(AgentServing, WhatItDoesNotKnowIsAnError) {
@@ -98,13 +60,10 @@ TEST_F(AgentServing, WhatItDoesNotKnowIsAnError) {
     EXPECT_EQ(Call(agent.Port(), L"WishPlugin", L"Inspect", L""), L"Error string: There is no plug-in \"WishPlugin\".");
     EXPECT_EQ(Call(agent.Port(), kControl, L"Inspect", L""),
               L"Error string: The plug-in \"ApplicationControlPlugin\" has no method \"Inspect\".");
-    EXPECT_EQ(Inspect_(agent, L"<inspectorMessage><context></inspectorMessage>").substr(0, 50),
-              L"Error string: malformed inspector document, line 1");
-    EXPECT_EQ(Exchange(agent.Port(), stand_ins::agent::ToWire(L"nonsense###@@@###"))
-                      .Text()
-                      .find(L"malformed message at character 8: it does not begin with &lt;Msg&gt;") !=
-                  std::wstring::npos,
-              true);
+    EXPECT_EQ(Inspect_(agent, L"<inspectorMessage version=\"1\" channel=\"Email\"><context></inspectorMessage>"),
+              L"Error string: malformed inspector document at character 74: </inspectorMessage> closes nothing");
+    EXPECT_EQ(Inspect_(agent, L""),
+              L"Error string: malformed inspector document at character 0: it does not begin with <inspectorMessage>");
 }
 
 TEST_F(AgentServing, RequestsAreKeptWithEveryByte) {
@@ -130,7 +89,7 @@ TEST_F(AgentServing, ARequestInPiecesIsOneRequest) {
     Client client(agent.Port());
     client.Send(std::string_view(bytes).substr(0, 101));
     client.Send(std::string_view(bytes).substr(101));
-    EXPECT_NE(client.ReadAll().Text().find(L">1</Key>"), std::wstring::npos);
+    EXPECT_NE(client.Read().Text().find(L">1</Key>"), std::wstring::npos);
     EXPECT_EQ(agent.Requests().size(), 1u);
 }
 
@@ -167,7 +126,20 @@ TEST_F(AgentServing, EachInspectionIsOneLineWithItsReason) {
     agent.SetPolicy(Policy::Block());
     EXPECT_EQ(Inspect_(agent, MailDocument(L"Plans", L"")), L"Response string: <decision result=\"2\" />");
     ASSERT_TRUE(agent.WaitForInspections(1));
-    EXPECT_EQ(log_, std::vector<std::wstring>{L"Email \"Plans\": blocked (rule \"always\")"});
+    EXPECT_EQ(Log_(), std::vector<std::wstring>{L"Email \"Plans\": blocked (rule \"always\")"});
+}
+
+TEST_F(AgentServing, ADelimiterInWhatItQuotesIsNoEnd) {
+    const Agent agent(Options_());
+    const std::wstring subject = L"a###@@@###@@@###b";
+    const Reply reply =
+        Exchange(agent.Port(), CallBytes(kData, L"Inspect", MailDocument(subject + L"[[label: X]]", L"")));
+    const std::wstring wire = stand_ins::agent::FromWire(reply.bytes);
+    EXPECT_EQ(wire.find(L"###@@@###"), wire.size() - 9);
+    EXPECT_NE(stand_ins::agent::WireMessage::FromText(reply.Text())
+                  .Value(L"Result")
+                  .find(L"value=\"[X] a" + stand_ins::agent::ReplaceAll(L"###@@@###@@@###", L"#", L"&#35;") + L"b["),
+              std::wstring::npos);
 }
 
 TEST_F(AgentServing, AFileThatIsGoneIsAnErrorWithItsName) {
@@ -235,74 +207,4 @@ TEST_F(AgentServing, FilesOfAnAnswerThatNobodyGotAreRemoved) {
     Exchange(agent.Port(), CallBytes(kData, L"Inspect", document));
     ASSERT_TRUE(agent.WaitForInspections(2));
     EXPECT_EQ(work_.Count(), 1u);
-}
-
-TEST_F(AgentServing, ARefusingAgentIsPublishedAndListensAgainLater) {
-    Agent agent(Options_());
-    Call(agent.Port(), kData, L"GetExecutionMode", L"Email");
-    agent.Misbehave(Misbehaviour::Refuse);
-    EXPECT_NE(PublishedPortOf(service_), 0);
-    EXPECT_EQ(Exchange(PublishedPortOf(service_), "").end, End::Refused);
-    agent.Misbehave(Misbehaviour::None);
-    EXPECT_EQ(Call(PublishedPortOf(service_), kData, L"GetExecutionMode", L"Email"), L"Response int: 1");
-}
-
-TEST_F(AgentServing, ASilentAgentReadsAndNeverAnswers) {
-    auto agent = std::make_unique<Agent>(Options_());
-    agent->Misbehave(Misbehaviour::Silent);
-    Client client(agent->Port());
-    client.Send(CallBytes(kData, L"Inspect", MailDocument(L"Plans", L"")));
-    ASSERT_TRUE(agent->WaitForRequests(1));
-    EXPECT_FALSE(agent->WaitForInspections(1, 50));
-    EXPECT_FALSE(client.IsReadable());
-    agent.reset();
-    EXPECT_EQ(client.ReadAll().bytes, "");
-}
-
-TEST_F(AgentServing, AConnectionMayEndInMidMessage) {
-    const Reply reply = Misbehaved_(Misbehaviour::CloseMidMessage);
-    EXPECT_EQ(reply.end, End::Closed);
-    EXPECT_TRUE(reply.Text().starts_with(L"<?xml version=\"1.0\" encoding=\"utf-16\"?>"));
-    EXPECT_EQ(reply.Text().find(L"</Msg>"), std::wstring::npos);
-}
-
-TEST_F(AgentServing, AConnectionMayBeReset) {
-    const Reply reply = Misbehaved_(Misbehaviour::Reset);
-    EXPECT_EQ(reply.bytes, "");
-    EXPECT_EQ(reply.end, End::Reset);
-}
-
-TEST_F(AgentServing, AnErrorHasTheWordsThatWereGiven) {
-    Agent agent(Options_());
-    agent.Misbehave(Misbehaviour::Error, L"Inspect", L"Out of <paper>");
-    EXPECT_EQ(Inspect_(agent, MailDocument(L"", L"")), L"Error string: Out of <paper>");
-}
-
-TEST_F(AgentServing, GarbageEndsInTheDelimiter) {
-    EXPECT_EQ(stand_ins::agent::FromWire(Misbehaved_(Misbehaviour::Garbage).bytes), L"This is no message.###@@@###");
-}
-
-TEST_F(AgentServing, TwoMessagesAreTheSameOneTwice) {
-    const std::wstring text = stand_ins::agent::FromWire(Misbehaved_(Misbehaviour::TwoMessages).bytes);
-    EXPECT_EQ(text.substr(0, text.size() / 2), text.substr(text.size() / 2));
-    EXPECT_TRUE(text.substr(0, text.size() / 2).ends_with(L"</Msg>###@@@###"));
-}
-
-TEST_F(AgentServing, AnAnswerInBytesOrOddPiecesIsWholeInTheEnd) {
-    const std::wstring whole = Misbehaved_(Misbehaviour::None).Text();
-    EXPECT_EQ(Misbehaved_(Misbehaviour::ByteByByte).Text(), whole);
-    const Reply split = Misbehaved_(Misbehaviour::OddSplit);
-    EXPECT_EQ(split.Text(), whole);
-    EXPECT_GE(split.reads, 5u);
-}
-
-TEST_F(AgentServing, WrongAnswersDifferInOnePlaceOnly) {
-    const std::wstring whole = Misbehaved_(Misbehaviour::None).Text();
-    const auto with = [&](const wchar_t* from, const wchar_t* to) {
-        return stand_ins::agent::ReplaceAll(whole, from, to);
-    };
-    EXPECT_EQ(Misbehaved_(Misbehaviour::WrongTypeTest).Text(), with(L"\"Response\"", L"\"Test\""));
-    EXPECT_EQ(Misbehaved_(Misbehaviour::WrongTypeRequest).Text(), with(L"\"Response\"", L"\"Request\""));
-    EXPECT_EQ(Misbehaved_(Misbehaviour::WrongTag).Text(), with(L"type=\"string\"", L"type=\"int\""));
-    EXPECT_EQ(Misbehaved_(Misbehaviour::NoResult).Text().find(L"Result"), std::wstring::npos);
 }

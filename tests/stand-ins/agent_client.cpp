@@ -51,37 +51,45 @@ void Client::Send(std::string_view bytes) {
     }
 }
 
-Reply Client::ReadAll() {
+Reply Client::Read(std::size_t enough) {
     Reply reply;
     std::array<char, 4096> buffer;
-    for (;;) {
+    while (reply.bytes.size() < enough) {
         const int count = recv(socket_, buffer.data(), static_cast<int>(buffer.size()), 0);
         if (count <= 0) {
             // Under load Wine may report a reset as an end. Only after a true end the own side is still open.
             reply.end = count == 0 && send(socket_, "", 1, 0) == 1 ? End::Closed : End::Reset;
             return reply;
         }
-        ++reply.reads;
+        reply.sizes.push_back(static_cast<std::size_t>(count));
         reply.bytes.append(buffer.data(), static_cast<std::size_t>(count));
     }
+    return reply;
 }
 
-bool Client::IsReadable() const {
+bool Client::IsReadable(std::uint32_t milliseconds) const {
     fd_set set;
     FD_ZERO(&set);
     set.fd_count = 1;
     set.fd_array[0] = socket_;
-    timeval now{};
-    return select(0, &set, nullptr, nullptr, &now) == 1;
+    timeval limit{static_cast<long>(milliseconds / 1000), static_cast<long>(milliseconds % 1000 * 1000)};
+    return select(0, &set, nullptr, nullptr, &limit) == 1;
+}
+
+void Client::Reset() {
+    const linger abortive{1, 0};
+    setsockopt(socket_, SOL_SOCKET, SO_LINGER, reinterpret_cast<const char*>(&abortive), sizeof abortive);
+    closesocket(socket_);
+    socket_ = INVALID_SOCKET;
 }
 
 Reply Exchange(std::uint16_t port, std::string_view bytes) {
     Client client(port);
     if (!client.IsConnected()) {
-        return {{}, End::Refused, 0};
+        return {{}, End::Refused, {}};
     }
     client.Send(bytes);
-    return client.ReadAll();
+    return client.Read();
 }
 
 std::string CallBytes(const std::wstring& plugin, const std::wstring& method, const std::wstring& param) {

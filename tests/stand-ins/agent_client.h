@@ -2,6 +2,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/Windows.h"
 
@@ -17,7 +18,7 @@ enum class End { Closed, Reset, Refused };
 struct Reply {
     std::string bytes; ///< all of them
     End end = End::Closed;
-    std::size_t reads = 0; ///< that brought something
+    std::vector<std::size_t> sizes; ///< of what each read brought
 
     /// The text without the delimiter.
     std::wstring Text() const;
@@ -33,10 +34,12 @@ public:
 
     bool IsConnected() const { return isConnected_; }
     void Send(std::string_view bytes);
-    /// Reads until the other side ends.
-    Reply ReadAll();
-    /// Whether something, an end included, is there to be read at this moment.
-    bool IsReadable() const;
+    /// Reads until the other side ends, or at least so many bytes have come.
+    Reply Read(std::size_t enough = static_cast<std::size_t>(-1));
+    /// Whether something, an end included, comes within the time.
+    bool IsReadable(std::uint32_t milliseconds = 0) const;
+    /// Breaks the connection.
+    void Reset();
 
 private:
     SOCKET socket_;

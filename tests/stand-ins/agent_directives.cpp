@@ -49,13 +49,15 @@ TEST(AgentDirectives, AnythingElseInBracketsIsTheWritersOwn) {
     EXPECT_FALSE(Read_(L"see [[blocks]] and [[Main Page]]", L"[[label:]] [[delay soon]] [[block"));
 }
 
-TEST(AgentDirectives, ADurationHasAUnitAndALimit) {
-    EXPECT_EQ(ReadDuration(L"2s"), 2000u);
-    EXPECT_EQ(ReadDuration(L"15 ms"), 15u);
-    EXPECT_EQ(ReadDuration(L"700"), 700u);
-    EXPECT_EQ(ReadDuration(L"600s"), 600000u);
-    EXPECT_EQ(ReadDuration(L"601s"), std::nullopt);
-    EXPECT_EQ(ReadDuration(L"2h"), std::nullopt);
-    EXPECT_EQ(ReadDuration(L""), std::nullopt);
-    EXPECT_EQ(ReadDuration(L"-1"), std::nullopt);
+TEST(AgentDirectives, AMailMayAskToBeLetDown) {
+    const auto actions = Read_(L"Plans [[misbehave: wrong-tag + reset=100]] [[block]]");
+    ASSERT_TRUE(actions);
+    EXPECT_TRUE(actions->block);
+    EXPECT_EQ(actions->misbehaviour.kinds, L"wrong-tag + reset=100");
+    EXPECT_EQ(actions->misbehaviour.delivery.end, Delivery::End::Reset);
+    EXPECT_EQ(Read_(L"[[Misbehave: error: no room]]")->misbehaviour.spoilings.size(), 1u);
+}
+
+TEST(AgentDirectives, AMisbehaviourThatDoesNotExistIsTheWritersOwn) {
+    EXPECT_FALSE(Read_(L"[[misbehave: sulk]] [[misbehave]] [[misbehave: refuse]] [[misbehave: pieces=many]]"));
 }

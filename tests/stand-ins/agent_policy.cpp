@@ -91,8 +91,8 @@ TEST(AgentPolicy, AFaultInTheTextIsToldWithLineAndColumn) {
 
 TEST(AgentPolicy, AFaultInAFieldIsToldWithItsPath) {
     EXPECT_EQ(FaultOf_("[]"), "p.json: must be an object in braces");
-    EXPECT_EQ(FaultOf_(R"({"rule": []})"),
-              "p.json: rule: unknown; known here are executionMode, channels, directives, misbehave, rules");
+    EXPECT_EQ(FaultOf_(R"({"rule": []})"), "p.json: rule: unknown; known here are executionMode, channels, "
+                                           "inspectLaunch, filePermissions, directives, misbehave, rules");
     EXPECT_EQ(FaultOf_(R"({"rules": {}})"), "p.json: rules: must be a list");
     EXPECT_EQ(FaultOf_(R"({"rules": [{"name": "a"}]})"), "p.json: rules[0]: needs \"name\" and \"then\"");
     EXPECT_EQ(FaultOf_(R"({"rules": [{"name": "a", "then": {}}, {"name": "b", "then": {"block": 1}}]})"),
@@ -124,11 +124,25 @@ TEST(AgentPolicy, AFileThatCannotBeReadIsNamed) {
     }
 }
 
-TEST(AgentPolicy, AMisbehaviourIsReadWithMethodAndWords) {
-    const auto wide = MisbehaviourRule::FromText(L"error::All is lost: indeed");
-    EXPECT_EQ(wide.kind, Misbehaviour::Error);
-    EXPECT_EQ(wide.method, L"");
-    EXPECT_EQ(wide.words, L"All is lost: indeed");
-    EXPECT_EQ(MisbehaviourRule::FromText(L"silent:Inspect").method, L"Inspect");
-    EXPECT_EQ(MisbehaviourRule::FromText(L"error").words, L"The agent has failed.");
+TEST(AgentPolicy, ARuleMayLetDownTheClientOfItsItems) {
+    const char* const json = R"({"rules": [{"name": "r", "match": {"subject": "plans"},
+                                            "then": {"block": true, "misbehave": "split=-5 + reset=-1"}}]})";
+    const Actions actions = Judge_(json, L"Plans").actions;
+    EXPECT_TRUE(actions.block);
+    EXPECT_EQ(actions.misbehaviour.kinds, L"split=-5 + reset=-1");
+    EXPECT_TRUE(Judge_(json, L"Lunch").actions.misbehaviour.IsNone());
+}
+
+TEST(AgentPolicy, AMisbehaviourOfAllMethodsIsNoneOfARule) {
+    EXPECT_EQ(FaultOf_(R"({"rules": [{"name": "a", "then": {"misbehave": "refuse"}}]})"),
+              "p.json: rules[0].then.misbehave: misbehaviour \"refuse\" holds for all requests, not for one");
+    EXPECT_EQ(FaultOf_(R"({"misbehave": ["unread=5:Inspect"]})"),
+              "p.json: misbehave[0]: misbehaviour \"unread=5\" holds for all requests, not for one");
+}
+
+TEST(AgentPolicy, AFilePermissionIsReadWithItsFaults) {
+    EXPECT_EQ(FaultOf_(R"({"filePermissions": [{"path": 1}]})"), "p.json: filePermissions[0].path: must be a text");
+    EXPECT_EQ(FaultOf_(R"({"filePermissions": [{"operator": "x"}]})"),
+              "p.json: filePermissions[0].operator: must be a whole number of 32 bits");
+    EXPECT_EQ(FaultOf_(R"({"inspectLaunch": 1})"), "p.json: inspectLaunch: must be true or false");
 }

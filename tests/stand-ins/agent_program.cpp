@@ -124,7 +124,8 @@ TEST_F(AgentProgram, AnswersByItsPolicyAndEndsAfterOneInspection) {
     EXPECT_EQ(Call(PublishedPortOf(service_), L"DataControlPlugin", L"Inspect", MailDocument(L"Plans", L"")),
               L"Response string: <decision result=\"2\" />");
     EXPECT_EQ(program.Status(), 0u);
-    EXPECT_EQ(program.Output(), listening + L"Email \"Plans\": blocked (rule \"plans\")\n");
+    EXPECT_EQ(program.Output(), listening + L"Email \"Plans\": blocked (rule \"plans\")\n"
+                                            L"served 1 request on 1 connection: 1 Inspect\n");
 }
 
 TEST_F(AgentProgram, ASecondOneIsRefusedInOneLine) {
@@ -158,6 +159,35 @@ TEST_F(AgentProgram, MayDieDuringAnInspection) {
     EXPECT_EQ(Exchange(port, CallBytes(L"DataControlPlugin", L"Inspect", MailDocument(L"", L""))).bytes, "");
     EXPECT_EQ(program.Status(), 3u);
     EXPECT_EQ(PublishedPortOf(service_), 0);
+}
+
+TEST_F(AgentProgram, MayDieInTheMiddleOfAnAnswer) {
+    const Program_ program(folder_, common_ + L"--misbehave die=100:GetExecutionMode");
+    Program_::AwaitFile(folder_, L"ready");
+    EXPECT_EQ(Exchange(PublishedPortOf(service_), CallBytes(L"DataControlPlugin", L"GetExecutionMode", L"Email"))
+                  .bytes.size(),
+              100u);
+    EXPECT_EQ(program.Status(), 3u);
+}
+
+TEST_F(AgentProgram, AFaultyMisbehaviourIsToldInOneLine) {
+    const Program_ program(folder_, L"--misbehave unread:Inspect");
+    EXPECT_EQ(program.Status(), 2u);
+    EXPECT_EQ(program.Output(), L"agent: misbehaviour \"unread\" holds for all requests, not for one\n");
+}
+
+TEST_F(AgentProgram, StopsInTheMiddleOfWhatItDoes) {
+    const Program_ program(folder_, common_ + L"--misbehave silent:Inspect");
+    Program_::AwaitFile(folder_, L"ready");
+    const std::uint16_t port = PublishedPortOf(service_);
+    Client waiting(port);
+    waiting.Send(CallBytes(L"DataControlPlugin", L"Inspect", MailDocument(L"Plans", L"")));
+    Client half(port);
+    half.Send("<");
+    EXPECT_EQ(Call(port, L"DataControlPlugin", L"GetExecutionMode", L"Email"), L"Response int: 1");
+    EXPECT_EQ(Program_(folder_, L"--stop --service " + service_).Status(), 0u);
+    EXPECT_EQ(program.Status(), 0u);
+    EXPECT_EQ(waiting.Read().bytes, "");
 }
 
 TEST_F(AgentProgram, WithNobodyToStopItSaysSo) {

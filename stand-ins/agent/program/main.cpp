@@ -74,6 +74,7 @@ int Run_(const CommandLine& line) {
     options.port = line.port;
     options.workFolder = line.workFolder;
     options.recordFolder = line.recordFolder;
+    options.keepsRequests = false;
     options.misbehaviour = line.misbehaviour;
     options.log = [](const std::wstring& text) { Print_(STD_OUTPUT_HANDLE, text + L"\n"); };
     options.inspected = [&] { SetEvent(inspected.Get()); };
@@ -90,6 +91,7 @@ int Run_(const CommandLine& line) {
     }
     const HANDLE ends[] = {stop.Get(), inspected.Get()};
     WaitForMultipleObjects(line.once ? 2 : 1, ends, FALSE, line.seconds == 0 ? INFINITE : line.seconds * 1000);
+    Print_(STD_OUTPUT_HANDLE, agent.Numbers().ToText() + L"\n");
     return kEnded;
 }
 
