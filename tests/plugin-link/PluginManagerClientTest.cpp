@@ -172,7 +172,7 @@ TEST(PluginManagerClient, TakesTheFirstOfTwoMessagesAndWarns) {
 
 TEST(PluginManagerClient, PassesOnWhatTheTransportReports) {
     Agent agent;
-    const auto terminated = [&](Misbehaviour kind) {
+    const auto terminated = [&](const Misbehaviour& kind) {
         agent.Misbehave(kind);
         return Thrown<vorlek::ConnectionTerminatedException>(Call).GetMessage();
     };
@@ -185,7 +185,7 @@ TEST(PluginManagerClient, PassesOnWhatTheTransportReports) {
 TEST(PluginManagerClient, ReceivesAnAnswerInOddPieces) {
     Agent agent;
     agent.SetResponder([](const stand_ins::Request&) { return Answer::Text(L"\u4e2d\U0001F600"); });
-    for (const Misbehaviour kind : {Misbehaviour::ByteByByte, Misbehaviour::OddSplit}) {
+    for (const Misbehaviour& kind : {Misbehaviour::ByteByByte, Misbehaviour::OddSplit}) {
         agent.Misbehave(kind);
         EXPECT_EQ(Call(), L"\u4e2d\U0001F600");
     }
