@@ -1,6 +1,6 @@
 #include "foundation/RegistryKey.h"
 
-#include <cstring>
+#include <algorithm>
 #include <fstream>
 #include <random>
 
@@ -22,9 +22,8 @@ using Bytes = std::vector<BYTE>;
 namespace {
 
 Bytes BytesOf_(const std::wstring& text) {
-    Bytes bytes(text.size() * sizeof(wchar_t));
-    std::memcpy(bytes.data(), text.data(), bytes.size());
-    return bytes;
+    const auto* bytes = reinterpret_cast<const BYTE*>(text.data());
+    return {bytes, bytes + text.size() * sizeof(wchar_t)};
 }
 
 /// The test's own key, opened beside the class.
@@ -46,13 +45,15 @@ protected:
     std::pair<std::wstring, DWORD> ReadText(const std::wstring& name) const {
         const auto [data, type] = Read(name);
         std::wstring text(data.size() / sizeof(wchar_t), L'\0');
-        std::memcpy(text.data(), data.data(), data.size());
+        std::ranges::copy(data, reinterpret_cast<BYTE*>(text.data()));
         return {text.ends_with(L'\0') ? text.substr(0, text.size() - 1) : text, type};
     }
 
-    void Write(const std::wstring& name, DWORD type, const Bytes& data) const {
-        EXPECT_EQ(RegSetValueExW(raw_, name.c_str(), 0, type, data.data(), static_cast<DWORD>(data.size())),
-                  ERROR_SUCCESS);
+    /// Byte for byte: the system looks behind a text without a terminator, and finds none there.
+    void Write(const std::wstring& name, DWORD type, Bytes data) const {
+        const auto size = static_cast<DWORD>(data.size());
+        data.insert(data.end(), sizeof(wchar_t), 0xFF);
+        EXPECT_EQ(RegSetValueExW(raw_, name.c_str(), 0, type, data.data(), size), ERROR_SUCCESS);
     }
 
     template <class Value>
@@ -129,11 +130,11 @@ TEST_F(RegistryRaw, ClassReadsWhatTheSystemWrote) {
     Write(L"list", REG_MULTI_SZ, {});
     EXPECT_THAT(Get<Names>(L"list"), IsEmpty());
     for (const DWORD type : {REG_NONE, REG_SZ, REG_BINARY, REG_DWORD_BIG_ENDIAN, REG_MULTI_SZ, REG_QWORD}) {
-        Write(L"raw", type, {1, 2, 0, 0, 0, 0});
+        Write(L"raw", type, {1, 2, 3, 4});
         Bytes data;
         DWORD read = REG_LINK;
         place_->GetValue(L"raw", data, read);
-        EXPECT_EQ(std::pair(data, read), std::pair(Bytes({1, 2, 0, 0, 0, 0}), type));
+        EXPECT_EQ(std::pair(data, read), std::pair(Bytes({1, 2, 3, 4}), type));
         EXPECT_EQ(place_->GetValueType(L"raw"), type);
     }
 }
