@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include <log4cxx/file.h>
+#include <log4cxx/ndc.h>
 #include <log4cxx/propertyconfigurator.h>
 
 #include "foundation/Brand.h"
@@ -168,6 +169,10 @@ void InitLogger(LoggerHolder& holder, const char* name, bool isFile) {
     if (!holder.Get()) {
         holder.Fill(log4cxx::Logger::getLogger(loggerName));
     }
+}
+
+void EndThreadLog() {
+    log4cxx::NDC::remove(); // the library's thread-specific data go with its last use
 }
 
 void LogCurrentException(LoggerHolder& holder, const std::wstring& prefix, const log4cxx::spi::LocationInfo& location) {

@@ -30,6 +30,9 @@ const wchar_t* GetLogSessionName();
 /// "module.vorlek.TaskHandler". Raises Exception.
 void InitLogger(LoggerHolder& holder, const char* name, bool isFile);
 
+/// Gives back what the log keeps for the calling thread: at the end of every thread that logs.
+void EndThreadLog();
+
 /// The log of code that speaks printf. Silent until a session has started. category: not looked at.
 /// level: 1 error, 2 warning, 3 information, all else debug. format: %s takes a narrow string, %S a wide
 /// one; one line end at the end is dropped.

@@ -12,11 +12,11 @@ namespace stand_ins {
 namespace {
 
 DispatchPtr ActiveExplorer(Application& self) {
-    return self.Owner().options.explorer == ExplorerState::Missing ? DispatchPtr() : Make<Explorer>(self.SharedOwner());
+    return self.Owner().hasExplorer ? Make<Explorer>(self.SharedOwner()) : DispatchPtr();
 }
 
 DispatchPtr ActiveInspector(Application& self) {
-    const auto& inspectors = self.Owner().Inspectors();
+    const auto inspectors = self.Owner().Inspectors();
     return inspectors.empty() ? DispatchPtr() : Make<Inspector>(self.SharedOwner(), inspectors.back());
 }
 

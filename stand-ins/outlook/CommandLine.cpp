@@ -61,6 +61,19 @@ ExplorerState ParseExplorer(const std::wstring& text) {
     return found->second;
 }
 
+Deed ParseDeed(const std::wstring& text) {
+    static const std::map<std::wstring, Deed::Kind> kinds = {{L"edit", Deed::Kind::Edit},
+                                                             {L"move", Deed::Kind::Move},
+                                                             {L"delete", Deed::Kind::Delete},
+                                                             {L"close-explorer", Deed::Kind::CloseExplorer}};
+    const size_t colon = text.find(L':');
+    const auto found = kinds.find(text.substr(0, colon));
+    if (colon == std::wstring::npos || found == kinds.end()) {
+        Refuse(L"--meanwhile wants edit, move, delete or close-explorer, a colon and a text, not \"" + text + L"\"");
+    }
+    return {found->second, text.substr(colon + 1)};
+}
+
 using Value = const std::wstring&;
 
 // Options with a value, and those without one.
@@ -70,11 +83,16 @@ std::map<std::wstring, std::function<void(Value)>> ValueOptions(CommandLine& lin
             {L"--explorer", [&](Value value) { line.outlook.explorer = ParseExplorer(value); }},
             {L"--record", [&](Value value) { line.record = value; }},
             {L"--fail", [&](Value value) { line.faults.push_back(ParseFault(value)); }},
+            {L"--meanwhile", [&](Value value) { line.deeds.push_back(ParseDeed(value)); }},
+            {L"--until", [&](Value value) { line.until = value; }},
             {L"--wait", [&](Value value) { line.waitMs = 1000 * ParseNumber(value, 10, value); }}};
 }
 
 std::map<std::wstring, std::function<void()>> Switches(CommandLine& line) {
     return {{L"--strict-threads", [&] { line.outlook.strictThreads = true; }},
+            {L"--keep-ids", [&] { line.outlook.keepsEntryIdOnMove = true; }},
+            {L"--early-explorer", [&] { line.earlyExplorer = true; }},
+            {L"--figures", [&] { line.figures = true; }},
             {L"--no-addins", [&] { line.addIns = false; }},
             {L"--tell-shutdown", [&] { line.tellShutdown = true; }},
             {L"--help", [&] { line.help = true; }}};
@@ -118,15 +136,22 @@ const char* Usage() {
     return "usage: outlook.exe --profile DIR [OPTION ...] [--send ITEM.json ...]\n"
            "\n"
            "  --profile DIR        the folder of the stores and of the delivered items; created when missing\n"
-           "  --send ITEM.json ... the user opens these items and sends them, one after the other\n"
+           "  --send ITEM.json ... the user opens these items and sends them, one after the other, without waiting\n"
+           "  --wait SECONDS       how long to wait, after the last, for items that an add-in has in hand (60)\n"
+           "  --until EVENT        stay until this event is set, whatever becomes of the items\n"
+           "  --meanwhile DO:TEXT  while an add-in inspects an item whose subject or body holds TEXT, the user does "
+           "one\n"
+           "                       of edit, move, delete (to the item) and close-explorer\n"
            "  --version N.N.N.N    what Application.Version answers (16.0.5.1)\n"
            "  -Embedding           started for automation; also Embedding and /Embedding, in any case\n"
-           "  --explorer STATE     shown (as usual), disabled or missing\n"
+           "  --explorer STATE     shown (as usual), disabled or missing; it comes once the add-ins are loaded\n"
+           "  --early-explorer     it comes before them\n"
+           "  --keep-ids           a moved item keeps its EntryID\n"
            "  --strict-threads     refuse direct calls from other threads\n"
            "  --no-addins          load no add-in\n"
            "  --fail M=HRESULT[#n] let a member such as MailItem.Send fail, always or at its n-th call\n"
            "  --record FILE        write every call of the object model there\n"
-           "  --wait SECONDS       how long to wait for an item that an add-in holds back (60)\n"
+           "  --figures            tell what the process holds after the first item, and after the last\n"
            "  --tell-shutdown      tell the add-ins of the end, as Outlook did before 2010\n";
 }
 

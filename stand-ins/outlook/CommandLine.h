@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "stand-ins/outlook/Meanwhile.h"
 #include "stand-ins/outlook/Options.h"
 
 namespace stand_ins {
@@ -20,7 +21,11 @@ struct CommandLine {
     bool addIns = true;
     bool tellShutdown = false;
     bool help = false;
-    DWORD waitMs = 60000;         ///< for an item that an add-in took into its hands
+    bool earlyExplorer = false; ///< the main window comes before the add-ins
+    bool figures = false;
+    DWORD waitMs = 60000; ///< for the items that an add-in took into its hands
+    std::wstring until;   ///< event; empty: until the items' fate is known
+    std::vector<Deed> deeds;
     std::filesystem::path record; ///< empty: no calls are recorded
     std::vector<FaultOption> faults;
     std::vector<std::filesystem::path> items;

@@ -7,13 +7,6 @@
 namespace stand_ins {
 namespace {
 
-std::wstring Caption(const ItemData& item) {
-    const wchar_t* format = item.bodyFormat == Html       ? L"HTML"
-                            : item.bodyFormat == RichText ? L"Rich Text"
-                                                          : L"Plain Text";
-    return (item.subject.empty() ? L"Untitled" : item.subject) + L" - Message (" + format + L") ";
-}
-
 const Class& InspectorClass() {
     static const Class members =
         ClassOf<Inspector>(L"Inspector", kInspectorId)
@@ -21,7 +14,7 @@ const Class& InspectorClass() {
             .Get(L"Caption",
                  [](Inspector& self) {
                      self.Record()->CheckAlive();
-                     return TextValue(Caption(self.Record()->data));
+                     return TextValue(Inspector::CaptionOf(self.Record()->data));
                  })
             .Get(L"CurrentItem",
                  [](Inspector& self) {
@@ -41,5 +34,12 @@ const Class& InspectorClass() {
 
 Inspector::Inspector(std::shared_ptr<Session> session, std::shared_ptr<ItemRecord> record)
     : Object(std::move(session), InspectorClass()), record_(std::move(record)) {}
+
+std::wstring Inspector::CaptionOf(const ItemData& item) {
+    const wchar_t* format = item.bodyFormat == Html       ? L"HTML"
+                            : item.bodyFormat == RichText ? L"Rich Text"
+                                                          : L"Plain Text";
+    return (item.subject.empty() ? L"Untitled" : item.subject) + L" - Message (" + format + L") ";
+}
 
 } // namespace stand_ins

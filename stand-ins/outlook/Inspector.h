@@ -12,6 +12,8 @@ public:
     Inspector(std::shared_ptr<Session> session, std::shared_ptr<ItemRecord> record);
 
     const std::shared_ptr<ItemRecord>& Record() const { return record_; }
+    /// The title of the window that shows an item.
+    static std::wstring CaptionOf(const ItemData& item);
 
 private:
     std::shared_ptr<ItemRecord> record_;

@@ -56,8 +56,9 @@ void SetRtf(Item& item, const _variant_t& value) {
 
 // A program's Send: the window closes, or everything stays as it is and the caller hears of it.
 void Send(Item& item) {
-    if (!item.Owner().Submit(item.Record(), &item)) {
-        throw Failure{E_ABORT, L"The send was cancelled."};
+    const HRESULT cancelled = item.Owner().options.cancelledSendError;
+    if (!item.Owner().Submit(item.Record(), &item) && FAILED(cancelled)) {
+        throw Failure{cancelled, L"The send was cancelled."};
     }
 }
 

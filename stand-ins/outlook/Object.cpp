@@ -7,6 +7,8 @@
 namespace stand_ins {
 namespace {
 
+std::atomic<std::size_t> living = 0;
+
 // How one call reaches a member: the body that answers, and the ending of its recorded name.
 struct Road {
     const Member::Body* body = nullptr;
@@ -61,7 +63,17 @@ HRESULT Report(const Failure& failure, EXCEPINFO* exception) {
 
 } // namespace
 
-Object::Object(std::shared_ptr<Session> session, const Class& model) : session_(std::move(session)), model_(model) {}
+Object::Object(std::shared_ptr<Session> session, const Class& model) : session_(std::move(session)), model_(model) {
+    ++living;
+}
+
+Object::~Object() {
+    --living;
+}
+
+std::size_t Object::Living() {
+    return living;
+}
 
 HRESULT Object::QueryInterface(REFIID interfaceId, void** object) {
     if (object == nullptr) {

@@ -14,7 +14,7 @@ class Session;
 class Object : public IDispatch {
 public:
     Object(std::shared_ptr<Session> session, const Class& model);
-    virtual ~Object() = default;
+    virtual ~Object();
     Object(const Object&) = delete;
     Object& operator=(const Object&) = delete;
 
@@ -27,6 +27,9 @@ public:
                                             DISPID* ids) override;
     HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID reserved, LCID locale, WORD flags, DISPPARAMS* parameters,
                                      VARIANT* result, EXCEPINFO* exception, UINT* badArgument) override;
+
+    /// How many there are in this process.
+    static std::size_t Living();
 
     Session& Owner() const { return *session_; }
     const std::shared_ptr<Session>& SharedOwner() const { return session_; }

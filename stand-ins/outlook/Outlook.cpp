@@ -31,8 +31,7 @@ Outlook::Outlook(OutlookOptions options)
       lock_(std::make_unique<ProfileLock>(options.profile)),
       session_(std::make_shared<Session>(std::move(options))) {
     if (session_->options.explorer != ExplorerState::Missing) {
-        window_ = std::make_unique<stand_ins::ExplorerWindow>(session_->caption,
-                                                              session_->options.explorer == ExplorerState::Shown);
+        OpenExplorer(session_->options.explorer == ExplorerState::Shown);
     }
     application_ = session_->Root();
 }
@@ -63,6 +62,7 @@ DispatchPtr Outlook::NewPost(ItemData data) {
 DispatchPtr Outlook::SavedItem(ItemData data, const std::wstring& folder) {
     data.entryId.clear();
     const auto record = std::make_shared<ItemRecord>(std::move(data), PathOf(folder));
+    const std::scoped_lock lock(session_->lock);
     session_->Save(record);
     return session_->Show(record);
 }
@@ -72,6 +72,7 @@ SendResult Outlook::Send(const DispatchPtr& item) {
     if (!record) {
         throw std::invalid_argument("what is to be sent is no item of this Outlook");
     }
+    const std::scoped_lock lock(session_->lock);
     SendResult result;
     result.item = record;
     try {
@@ -101,6 +102,7 @@ void Outlook::AddStore(const std::wstring& name, const std::vector<std::wstring>
 
 std::vector<ItemData> Outlook::ItemsIn(const std::wstring& folder) const {
     const FolderPath path = PathOf(folder);
+    const std::scoped_lock lock(session_->lock);
     std::vector<ItemData> items;
     for (const std::wstring& entryId : session_->store.EntryIdsIn(path)) {
         items.push_back(session_->store.Read(path, entryId));
@@ -117,11 +119,13 @@ std::filesystem::path Outlook::DeliveredFolder() const {
 }
 
 bool Outlook::IsOpen(const std::wstring& entryId) const {
+    const std::scoped_lock lock(session_->lock);
     return std::ranges::any_of(session_->Inspectors(),
                                [&](const auto& record) { return record->data.entryId == entryId; });
 }
 
 size_t Outlook::OpenInspectors() const {
+    const std::scoped_lock lock(session_->lock);
     return session_->Inspectors().size();
 }
 
@@ -129,8 +133,25 @@ bool Outlook::HasLeft(const SendResult& result) {
     return result.item && result.item->data.sent;
 }
 
+bool Outlook::IsGone(const SendResult& result) {
+    return result.item && result.item->dead && !result.item->data.sent;
+}
+
 HWND Outlook::ExplorerWindow() const {
-    return window_ ? window_->Handle() : nullptr;
+    return explorer_ ? explorer_->Handle() : nullptr;
+}
+
+void Outlook::OpenExplorer(bool enabled) {
+    if (!explorer_) {
+        explorer_ = std::make_unique<Window>(session_->caption, [this] { CloseExplorer(); });
+        EnableWindow(explorer_->Handle(), enabled);
+        session_->hasExplorer = true;
+    }
+}
+
+void Outlook::CloseExplorer() {
+    session_->hasExplorer = false;
+    explorer_.reset();
 }
 
 bool Outlook::RunUntil(const std::function<bool()>& condition, DWORD milliseconds) {
@@ -143,12 +164,16 @@ bool Outlook::RunUntil(const std::function<bool()>& condition, DWORD millisecond
         // Not longer than a moment: the condition may come true without a message.
         MsgWaitForMultipleObjectsEx(0, nullptr, static_cast<DWORD>(std::min<ULONGLONG>(end - now, 20)), QS_ALLINPUT,
                                     MWMO_INPUTAVAILABLE);
-        for (MSG message; PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);) {
-            TranslateMessage(&message);
-            DispatchMessageW(&message);
-        }
+        HandleMessages();
     }
     return true;
+}
+
+void Outlook::HandleMessages() {
+    for (MSG message; PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE);) {
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
 }
 
 std::vector<AddInLoad> Outlook::LoadAddIns() {

@@ -8,12 +8,12 @@
 #include "stand-ins/outlook/AddIns.h"
 #include "stand-ins/outlook/Com.h"
 #include "stand-ins/outlook/Dispatch.h"
-#include "stand-ins/outlook/ExplorerWindow.h"
 #include "stand-ins/outlook/Faults.h"
 #include "stand-ins/outlook/ItemData.h"
 #include "stand-ins/outlook/Options.h"
 #include "stand-ins/outlook/ProfileLock.h"
 #include "stand-ins/outlook/Recorder.h"
+#include "stand-ins/outlook/Window.h"
 
 namespace stand_ins {
 
@@ -31,7 +31,7 @@ struct SendResult {
 };
 
 /// An Outlook of one thread: the one that constructs it, which enters a single-threaded apartment for as long as the
-/// object lives. Objects handed out may outlive it.
+/// object lives. Objects handed out may outlive it, and be called from any thread unless threads are strict.
 ///
 ///     Outlook outlook({.profile = folder.Path()});
 ///     const auto mail = outlook.NewMail({.subject = L"Hello", .body = L"Text", .recipients = {{.address =
@@ -72,11 +72,18 @@ public:
     size_t OpenInspectors() const;
     /// Whether the item of a send that was stopped has left after all: somebody sent it himself later.
     static bool HasLeft(const SendResult& result);
+    /// Whether that item is no more, moved under another ID or deleted, without having left.
+    static bool IsGone(const SendResult& result);
 
-    /// The explorer's window; null when it is missing.
+    /// The explorer's window; null when there is none.
     HWND ExplorerWindow() const;
+    /// The user opens the main window, unless it is open, or closes it.
+    void OpenExplorer(bool enabled = true);
+    void CloseExplorer();
     /// Runs the message loop until the condition holds. False: the time ran out first.
     bool RunUntil(const std::function<bool()>& condition, DWORD milliseconds = 10000);
+    /// Handles the messages that wait, as between two things that the user does.
+    static void HandleMessages();
 
     /// Loads the registered add-ins in the order of their names; those that fail are not loaded again until somebody
     /// sets LoadBehavior.
@@ -94,7 +101,7 @@ private:
     std::unique_ptr<Apartment_> apartment_; ///< first in, last out: everything below calls COM
     std::unique_ptr<ProfileLock> lock_;
     std::shared_ptr<Session> session_;
-    std::unique_ptr<stand_ins::ExplorerWindow> window_;
+    std::unique_ptr<Window> explorer_;
     DispatchPtr application_;
     AddIns addIns_;
 };

@@ -6,6 +6,7 @@
 
 #include "stand-ins/outlook/Application.h"
 #include "stand-ins/outlook/Failure.h"
+#include "stand-ins/outlook/Inspector.h"
 #include "stand-ins/outlook/Item.h"
 
 namespace stand_ins {
@@ -192,19 +193,28 @@ DispatchPtr Session::Root() {
 }
 
 void Session::OpenInspector(const RecordPtr& record) {
-    if (!HasInspector(record)) {
-        inspectors_.push_back(record);
+    if (std::ranges::find(inspectors_, record, &Inspected_::record) == inspectors_.end()) {
+        auto window =
+            std::make_unique<Window>(Inspector::CaptionOf(record->data), [this, shown = std::weak_ptr(record)] {
+                const std::scoped_lock guard(lock);
+                CloseInspector(shown.lock());
+            });
+        inspectors_.push_back({record, std::move(window)});
     }
 }
 
 void Session::CloseInspector(const RecordPtr& record) {
-    // The argument may be the entry that goes. NOLINTNEXTLINE(performance-unnecessary-copy-initialization)
-    const RecordPtr held = record;
-    std::erase(inspectors_, held);
+    const auto shown = std::ranges::find(inspectors_, record, &Inspected_::record);
+    if (shown != inspectors_.end()) {
+        const Inspected_ held = std::move(*shown); // its end may come back here
+        inspectors_.erase(shown);
+    }
 }
 
-bool Session::HasInspector(const RecordPtr& record) const {
-    return std::ranges::find(inspectors_, record) != inspectors_.end();
+std::vector<Session::RecordPtr> Session::Inspectors() const {
+    std::vector<RecordPtr> records;
+    std::ranges::transform(inspectors_, std::back_inserter(records), &Inspected_::record);
+    return records;
 }
 
 DWORD Session::Advise(const DispatchPtr& sink) {

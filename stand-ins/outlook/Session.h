@@ -1,4 +1,5 @@
 #pragma once
+#include <atomic>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -11,6 +12,7 @@
 #include "stand-ins/outlook/Options.h"
 #include "stand-ins/outlook/Recorder.h"
 #include "stand-ins/outlook/Store.h"
+#include "stand-ins/outlook/Window.h"
 
 namespace stand_ins {
 
@@ -46,8 +48,8 @@ public:
 
     void OpenInspector(const RecordPtr& record);
     void CloseInspector(const RecordPtr& record);
-    bool HasInspector(const RecordPtr& record) const;
-    const std::vector<RecordPtr>& Inspectors() const { return inspectors_; }
+    /// The items that an inspector shows, the last one opened at the end.
+    std::vector<RecordPtr> Inspectors() const;
 
     DWORD Advise(const DispatchPtr& sink);
     bool Unadvise(DWORD cookie);
@@ -59,16 +61,22 @@ public:
     Recorder calls;
     Faults failures;
     Store store;
+    std::atomic<bool> hasExplorer = false;
     /// Held during every call of a member, for callers of other threads.
     std::recursive_mutex lock;
 
 private:
+    struct Inspected_ {
+        RecordPtr record;
+        std::unique_ptr<Window> window;
+    };
+
     void Remember_(const RecordPtr& record);
     void Leave_(const RecordPtr& record);
 
     const DWORD thread_;
     std::map<std::wstring, std::weak_ptr<ItemRecord>> open_;
-    std::vector<RecordPtr> inspectors_;
+    std::vector<Inspected_> inspectors_;
     std::map<DWORD, DispatchPtr> sinks_;
     DWORD lastCookie_ = 0;
 };

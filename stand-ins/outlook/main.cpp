@@ -8,6 +8,8 @@
 #include <shellapi.h>
 
 #include "stand-ins/outlook/CommandLine.h"
+#include "stand-ins/outlook/Figures.h"
+#include "stand-ins/outlook/Meanwhile.h"
 #include "stand-ins/outlook/Outlook.h"
 #include "stand-ins/outlook/Store.h"
 #include "stand-ins/outlook/Text.h"
@@ -43,31 +45,106 @@ void LoadAddIns(Outlook& outlook) {
     }
 }
 
-// What became of a send that an add-in stopped: whoever closed the item's window has it in hand and may send it or
-// bring it back to the screen.
-std::wstring AfterStop(Outlook& outlook, const SendResult& result, DWORD waitMs) {
-    if (outlook.IsOpen(result.entryId)) {
-        return L"stopped by the add-in: saved in Drafts, its window is open";
-    }
-    const bool decided =
-        outlook.RunUntil([&] { return Outlook::HasLeft(result) || outlook.IsOpen(result.entryId); }, waitMs);
-    if (!decided) {
-        return L"stopped by the add-in: saved in Drafts, nothing more was heard of it";
-    }
-    return Outlook::HasLeft(result) ? L"sent by the add-in" : L"stopped by the add-in: brought back to the screen";
-}
-
-std::wstring SendItem(Outlook& outlook, ItemData item, DWORD waitMs) {
-    const SendResult result = outlook.Send(outlook.NewItem(std::move(item)));
+// What became of an item so far; empty while an add-in has it in hand. Whoever closed the window of an item that he
+// stopped may send it or bring it back to the screen.
+std::wstring Fate(const Outlook& outlook, const SendResult& result) {
     switch (result.outcome) {
     case SendResult::Outcome::Sent:
         return L"sent";
-    case SendResult::Outcome::Stopped:
-        return AfterStop(outlook, result, waitMs);
     case SendResult::Outcome::Failed:
+        return L"failed: " + result.reason + L" (" + Hex(result.error) + L")";
+    case SendResult::Outcome::Stopped:
         break;
     }
-    return L"failed: " + result.reason + L" (" + Hex(result.error) + L")";
+    if (Outlook::HasLeft(result)) {
+        return L"sent by the add-in";
+    }
+    if (outlook.IsOpen(result.entryId)) {
+        return L"stopped by the add-in: brought back to the screen";
+    }
+    return Outlook::IsGone(result) ? L"moved or deleted while the add-in had it" : L"";
+}
+
+// The items that the user has sent; of each it is told once what became of it.
+class Outbox {
+public:
+    explicit Outbox(Outlook& outlook) : outlook_(outlook) {}
+
+    void Send(const std::filesystem::path& file, ItemData item) {
+        Item sent{file.filename().wstring() + L" \"" + item.subject + L"\": ", {}};
+        sent.result = outlook_.Send(outlook_.NewItem(std::move(item)));
+        const bool stays = sent.result.outcome == SendResult::Outcome::Stopped && outlook_.IsOpen(sent.result.entryId);
+        if (stays) {
+            Say(sent.name + L"stopped by the add-in: saved in Drafts, its window is open");
+        } else {
+            items_.push_back(std::move(sent));
+        }
+    }
+
+    // Whether all is told.
+    bool Tell() {
+        std::erase_if(items_, [&](const Item& item) {
+            const std::wstring fate = Fate(outlook_, item.result);
+            if (!fate.empty()) {
+                Say(item.name + fate);
+            }
+            return !fate.empty();
+        });
+        return items_.empty();
+    }
+
+    void TellTheRest() {
+        for (const Item& item : items_) {
+            Say(item.name + L"stopped by the add-in: saved in Drafts, nothing more was heard of it");
+        }
+        items_.clear();
+    }
+
+private:
+    struct Item {
+        std::wstring name;
+        SendResult result;
+    };
+
+    Outlook& outlook_;
+    std::vector<Item> items_;
+};
+
+void SayFigures(Outlook& outlook, size_t items, size_t threads) {
+    // Whoever has sent an item may still be on his way home.
+    outlook.RunUntil([&] { return CountThreads() <= threads; });
+    Say(L"figures after " + std::to_wstring(items) + L": " + Figures::Measure().ToString());
+}
+
+// Sends all items without waiting for any, and stays as long as the command line wants.
+void SendAll(Outlook& outlook, const CommandLine& line, std::vector<ItemData> items) {
+    Meanwhile meanwhile(outlook, line.deeds);
+    Outbox outbox(outlook);
+    const auto settled = [&] {
+        meanwhile.DoDue();
+        return outbox.Tell();
+    };
+    const size_t threads = CountThreads();
+    for (size_t i = 0; i < items.size(); ++i) {
+        outbox.Send(line.items[i], std::move(items[i]));
+        Outlook::HandleMessages();
+        settled();
+        if (line.figures && i == 0) {
+            outlook.RunUntil(settled, line.waitMs);
+            SayFigures(outlook, 1, threads);
+        }
+    }
+    if (line.until.empty()) {
+        outlook.RunUntil(settled, line.waitMs);
+    } else {
+        const HANDLE end = CreateEventW(nullptr, TRUE, FALSE, line.until.c_str());
+        outlook.RunUntil([&] { return (settled(), WaitForSingleObject(end, 0)) == WAIT_OBJECT_0; }, INFINITE);
+        CloseHandle(end);
+    }
+    outbox.TellTheRest();
+    if (line.figures) {
+        SayFigures(outlook, items.size(), threads);
+    }
 }
 
 void WriteRecord(const std::filesystem::path& file, const Recorder& calls) {
@@ -86,7 +163,11 @@ int Run(const CommandLine& line) {
     for (const auto& file : line.items) {
         items.push_back(ReadItemFile(file));
     }
-    Outlook outlook(line.outlook);
+    OutlookOptions options = line.outlook;
+    if (!line.earlyExplorer) {
+        options.explorer = ExplorerState::Missing;
+    }
+    Outlook outlook(options);
     outlook.Calls().Enable(!line.record.empty());
     for (const FaultOption& fault : line.faults) {
         outlook.Failures().Fail(fault.member, fault.result, fault.nth);
@@ -94,11 +175,10 @@ int Run(const CommandLine& line) {
     if (line.addIns) {
         LoadAddIns(outlook);
     }
-    for (size_t i = 0; i < items.size(); ++i) {
-        const std::wstring subject = items[i].subject;
-        const std::wstring became = SendItem(outlook, std::move(items[i]), line.waitMs);
-        Say(line.items[i].filename().wstring() + L" \"" + subject + L"\": " + became);
+    if (line.outlook.explorer != ExplorerState::Missing) {
+        outlook.OpenExplorer(line.outlook.explorer == ExplorerState::Shown);
     }
+    SendAll(outlook, line, std::move(items));
     if (line.tellShutdown) {
         outlook.TellShutdown();
     }

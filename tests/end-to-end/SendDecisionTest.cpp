@@ -224,11 +224,12 @@ TEST_F(SendDecision, AutoForwardedMailIsInspectedOnTheSpot) {
     ExpectStopped(Send({Item({{"autoForwarded", true}})}, {}));
 }
 
-TEST_F(SendDecision, InteractiveOutlookLetsOtherMailPassUninspected) {
+TEST_F(SendDecision, InteractiveOutlookInspectsOtherMailBesideTheEvent) {
     StartAgent(Rule({{"block", true}}));
-    ExpectSent(Send({Item()}, {}));
-    EXPECT_THAT(Documents(), IsEmpty());
-    EXPECT_THAT(Log(), Contains(kPassedUninspected));
+    ExpectStopped(Send({Item()}, {}));
+    EXPECT_THAT(Documents(), SizeIs(1));
+    EXPECT_THAT(Log(), Contains("INFO Non-embedded Outlook -> Sending for \"async\" inspection. Stopping the send "
+                                "process until inspection ends."));
 }
 
 TEST_F(SendDecision, OutlookWithoutAnExplorerCountsAsEmbedded) {
@@ -253,7 +254,8 @@ TEST_F(SendDecision, EmbeddedStartNeverAsksForTheSpot) {
 
 TEST_F(SendDecision, SlashFormOfTheSwitchIsNotRecognised) {
     StartAgent(Rule({{"block", true}}));
-    ExpectSent(Send({Item()}, {L"/Embedding"}));
+    ExpectStopped(Send({Item()}, {L"/Embedding"}));
+    EXPECT_THAT(Log(), Contains("INFO Started Async inspection."));
     EXPECT_THAT(Log(), Not(Contains("DEBUG Outlook process was loaded as embedded, embeddedProcess_ == true")));
 }
 

@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include <gmock/gmock.h>
+#include <log4cxx/ndc.h>
 
 #include "foundation/Exception.h"
 #include "foundation/Log.h"
@@ -140,6 +141,21 @@ TEST(StartLogSession, IsGuardedByAMutexOfTheProcess) {
     ExpectFailure<Exception>([] { StartLogSession(L"C:\\no.properties", nullptr, false); },
                              L"vorlek::NamedMutex::NamedMutex", taken.Words());
     EXPECT_STREQ(GetLogSessionName(), L"");
+}
+
+TEST(EndThreadLog, LeavesNothingOfTheThreadAndLetsItLogAgain) {
+    const LogCapture log;
+    LoggerHolder holder;
+    InitLogger(holder, "vorlek::Thread::Run", false);
+    test_support::RunThreads(1, [&](int) {
+        log4cxx::NDC::push(L"context");
+        LOG_INFO(holder, L"first");
+        EndThreadLog();
+        EXPECT_TRUE(log4cxx::NDC::empty());
+        LOG_INFO(holder, L"second");
+        EndThreadLog();
+    });
+    EXPECT_THAT(log.Texts(L"INFO"), testing::ElementsAre(L"first", L"second"));
 }
 
 TEST(LogConfigurationPath, LiesInTheProductsFolderOfTheCommonData) {

@@ -1,12 +1,12 @@
 #include "agent/apps/outlook/Connect.h"
 
-#include <atomic>
 #include <functional>
-#include <future>
 #include <iterator>
 #include <optional>
 
 #include "agent/apps/outlook/GlobalConfig.h"
+#include "agent/apps/outlook/WorkerThread.h"
+#include "foundation/AutoHandle.h"
 #include "stand-ins/agent/Agent.h"
 #include "tests/outlook/OutlookTest.h"
 #include "tests/support/FailingLog.h"
@@ -101,17 +101,7 @@ std::wstring MailSendLine(std::size_t kind) {
 
 /// Answers the boxes about unsent mail while the body runs; their texts.
 Texts BoxesDuring(const std::function<void()>& body) {
-    std::atomic<bool> over = false;
-    auto boxes = std::async(std::launch::async, [&] {
-        Texts seen;
-        while (const auto box = test_support::AnswerMessageBox(L"Microsoft Outlook", [&] { return over.load(); })) {
-            seen.push_back(box->text);
-        }
-        return seen;
-    });
-    body();
-    over = true;
-    return boxes.get();
+    return test_support::BoxesDuring(L"Microsoft Outlook", body);
 }
 
 TEST_F(ConnectTest, ConnectsToOutlookBeforeItSaysThatItIsLoaded) {
@@ -216,6 +206,22 @@ TEST_F(ConnectTest, DisconnectionLeavesNothingThatHoldsTheAddIn) {
     EXPECT_EQ(addIn->Release(), 1u);
     addIn.Release();
     EXPECT_EQ(module.GetLockCount(), before - 1);
+}
+
+DWORD WINAPI WaitFor(void* event) {
+    return WaitForSingleObject(event, INFINITE);
+}
+
+TEST_F(ConnectTest, DisconnectionInTheMiddleOfAnInspectionKeepsTheAddInForItsWorker) {
+    const LONG before = module.GetLockCount();
+    const vorlek::FileHandle end(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    Connect();
+    vorlek::WorkerThread::Start(WaitFor, end.Get());
+    Disconnect();
+    addIn.Release();
+    EXPECT_EQ(module.GetLockCount(), before);
+    SetEvent(end.Get());
+    outlook->RunUntil([] { return vorlek::WorkerThread::Running() == 0; });
 }
 
 TEST_F(ConnectTest, DisconnectionWithoutAConnectionIsHarmless) {

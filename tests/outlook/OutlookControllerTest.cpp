@@ -1,4 +1,4 @@
-#include "agent/apps/outlook/OutlookController.h"
+#include "tests/outlook/OutlookControllerTest.h"
 
 #include <future>
 
@@ -6,10 +6,6 @@
 #include "agent/apps/outlook/GlobalConfig.h"
 #include "foundation/RegistryKey.h"
 #include "plugin-link/Exceptions.h"
-#include "stand-ins/agent/Agent.h"
-#include "tests/outlook/OutlookControllerPeer.h"
-#include "tests/outlook/OutlookTest.h"
-#include "tests/support/ExpectFailure.h"
 
 namespace vorlek {
 namespace {
@@ -17,7 +13,8 @@ namespace {
 using outlook_tests::ContextOf;
 using outlook_tests::ErrorText;
 using outlook_tests::kAccessDenied;
-using outlook_tests::OutlookTest;
+using outlook_tests::kMail;
+using outlook_tests::OutlookControllerTest;
 using outlook_tests::ThrowNumber;
 using outlook_tests::ThrowStandard;
 using stand_ins::ExplorerState;
@@ -26,54 +23,6 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
-
-const ItemData kMail{.subject = L"Plans",
-                     .body = L"The plans of the year.",
-                     .account = L"me@a.example",
-                     .recipients = {{.name = L"You", .address = L"you@b.example"}},
-                     .attachments = {{.fileName = L"plan.txt", .content = "secret"}}};
-
-class OutlookControllerTest : public OutlookTest {
-protected:
-    OutlookControllerTest() {
-        OutlookControllerPeer::ForgetWindows();
-        peer.SetEmbedded(true);
-        peer.SetApplication(App());
-        log.Clear();
-    }
-    ~OutlookControllerTest() override { OutlookControllerPeer::ForgetWindows(); }
-
-    Outlook::_ApplicationPtr App() const { return outlook->Application().GetInterfacePtr(); }
-
-    /// The send event of a new mail; the result is Cancel.
-    bool Inspect(const ItemData& data = kMail) { return InspectItem(outlook->NewMail(data)); }
-    bool InspectItem(const stand_ins::DispatchPtr& item) {
-        outlook->Calls().Clear();
-        log.Clear();
-        return controller.InspectItemBeforeSending(item.GetInterfacePtr());
-    }
-
-    /// What the agent was asked, method by method.
-    static std::vector<std::wstring> Methods(const stand_ins::Agent& agent) {
-        std::vector<std::wstring> methods;
-        for (const auto& request : agent.Requests()) {
-            methods.push_back(request.method);
-        }
-        return methods;
-    }
-    static stand_ins::AgentOptions With(stand_ins::Policy policy) {
-        stand_ins::AgentOptions options;
-        options.policy = std::move(policy);
-        return options;
-    }
-    std::wstring File(const std::wstring& name, const std::string& bytes) {
-        test_support::WriteBytes(folder / name, bytes);
-        return (folder / name).wstring();
-    }
-
-    OutlookController controller;
-    OutlookControllerPeer peer{controller};
-};
 
 TEST_F(OutlookControllerTest, ADisabledAddInLetsTheItemPassWithoutLookingAtIt) {
     stand_ins::Policy policy;
@@ -212,12 +161,6 @@ TEST_F(OutlookControllerTest, AMailThatTheAddInSendsItselfPassesOnce) {
     EXPECT_TRUE(log.Has(L"INFO", L"Item should be inspected - wasn't sent by the plugin"));
 }
 
-TEST_F(OutlookControllerTest, InspectionBesideTheEventSaysThatItIsNotThere) {
-    test_support::ExpectFailure<NotImplementedException>([&] { peer.HandleAsyncInspection(HandlerOf(kMail)); },
-                                                         L"vorlek::OutlookController::HandleAsyncInspection_",
-                                                         L"Inspection beside the send event is not available");
-}
-
 TEST_F(OutlookControllerTest, EveryFailureAfterTheFirstQuestionLetsTheMailPass) {
     const stand_ins::Agent agent;
     outlook->Failures().Fail(L"MailItem.BodyFormat", kAccessDenied, 1);
@@ -301,49 +244,6 @@ TEST_F(OutlookControllerTest, ADisabledMainWindowIsAnEmbeddedOutlook) {
     peer.SetApplication(App());
     EXPECT_TRUE(peer.IsEmbedded());
     EXPECT_THAT(log.Texts(L"DEBUG"), ElementsAre(L"Active explorer window IsWindowEnabled == 0"));
-}
-
-TEST_F(OutlookControllerTest, AWindowWhoseTitleBeginsWithTheCaptionIsTheExplorersToo) {
-    peer.SetEmbedded(false);
-    SetWindowTextW(outlook->ExplorerWindow(), (outlook->Caption() + L" (1 new)").c_str());
-    EXPECT_FALSE(peer.IsEmbedded());
-    EXPECT_EQ(OutlookControllerPeer::FoundWindow(), outlook->ExplorerWindow());
-}
-
-TEST_F(OutlookControllerTest, WithoutAWindowOfThatCaptionOutlookIsEmbedded) {
-    peer.SetEmbedded(false);
-    SetWindowTextW(outlook->ExplorerWindow(), L"Another title");
-    EXPECT_TRUE(peer.IsEmbedded());
-    EXPECT_EQ(OutlookControllerPeer::FoundWindow(), nullptr);
-}
-
-TEST_F(OutlookControllerTest, AWindowOfAnotherThreadIsNotTheExplorers) {
-    peer.SetEmbedded(false);
-    SetWindowTextW(outlook->ExplorerWindow(), L"Another title");
-    std::promise<HWND> shown;
-    auto thread = std::async(std::launch::async, [&] {
-        const HWND window = CreateWindowExW(0, L"STATIC", outlook->Caption().c_str(), WS_OVERLAPPED, 0, 0, 0, 0,
-                                            nullptr, nullptr, nullptr, nullptr);
-        shown.set_value(window);
-        MSG message;
-        while (window != nullptr && GetMessageW(&message, nullptr, 0, 0) > 0) { // which answers who asks for the title
-        }
-        DestroyWindow(window);
-    });
-    const HWND window = shown.get_future().get();
-    ASSERT_NE(window, nullptr);
-    EXPECT_TRUE(peer.IsEmbedded());
-    EXPECT_EQ(OutlookControllerPeer::FoundWindow(), nullptr);
-    PostThreadMessageW(GetWindowThreadProcessId(window, nullptr), WM_QUIT, 0, 0);
-}
-
-TEST_F(OutlookControllerTest, AWindowOnceFoundIsKeptWhateverItsTitle) {
-    peer.SetEmbedded(false);
-    peer.IsEmbedded();
-    SetWindowTextW(outlook->ExplorerWindow(), L"Another title");
-    EXPECT_FALSE(peer.IsEmbedded());
-    EnableWindow(outlook->ExplorerWindow(), FALSE);
-    EXPECT_TRUE(peer.IsEmbedded());
 }
 
 class SentByPlugin : public OutlookControllerTest {
@@ -504,41 +404,6 @@ TEST_F(OutlookControllerTest, TheMessageHoldsTheMailsContext) {
     EXPECT_THAT(context, Contains(L"EmailSubject=Plans"));
     EXPECT_THAT(context, Contains(L"EmailTo=you@b.example"));
     EXPECT_TRUE(log.Has(L"INFO", L"Finished gathering information for current message."));
-}
-
-TEST_F(OutlookControllerTest, AnEmbeddedStartLeavesTheLedgerAlone) {
-    CommonUtils::AddToInspectedItems(L"ID-1", L"ID-1", nullptr);
-    log.Clear();
-    controller.HandleIncompleteInspections();
-    std::vector<std::wstring> ids;
-    CommonUtils::GetInspectedItemIds(ids, nullptr);
-    EXPECT_THAT(ids, ElementsAre(L"ID-1"));
-    EXPECT_THAT(log.Texts(L"INFO"),
-                ElementsAre(L"Sending items that were in the middle of inspection when Outlook was closed.",
-                            L"Outlook is embedded - skipping resending of inspected items"));
-}
-
-TEST_F(OutlookControllerTest, ResendingInspectedItemsSaysThatItIsNotThere) {
-    peer.SetEmbedded(false);
-    test_support::ExpectFailure<NotImplementedException>([&] { controller.HandleIncompleteInspections(); },
-                                                         L"vorlek::OutlookController::HandleIncompleteInspections",
-                                                         L"Resending of inspected items is not available");
-}
-
-LRESULT CALLBACK Ours(HWND window, UINT message, WPARAM first, LPARAM second) {
-    return DefWindowProcW(window, message, first, second);
-}
-
-TEST_F(OutlookControllerTest, TheExplorerWindowGetsItsOwnProcedureBackOnce) {
-    const HWND window = outlook->ExplorerWindow();
-    const auto own = SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&Ours));
-    OutlookControllerPeer::SetSubclassed(window, reinterpret_cast<WNDPROC>(own));
-    controller.RestoreExplorerWindow_();
-    EXPECT_EQ(GetWindowLongPtrW(window, GWLP_WNDPROC), own);
-    SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&Ours));
-    controller.RestoreExplorerWindow_();
-    EXPECT_EQ(GetWindowLongPtrW(window, GWLP_WNDPROC), reinterpret_cast<LONG_PTR>(&Ours));
-    SetWindowLongPtrW(window, GWLP_WNDPROC, own);
 }
 
 } // namespace

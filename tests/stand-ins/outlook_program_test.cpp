@@ -15,10 +15,33 @@ std::string RefusalOf(const std::vector<std::wstring>& arguments) {
 }
 
 TEST(OutlookCommandLine, AllOptionsAreUnderstood) {
-    const CommandLine line = ParseCommandLine({L"--profile", L"p", L"--version", L"15.0.0.1", L"--explorer",
-                                               L"disabled", L"--strict-threads", L"--no-addins", L"--record", L"r.txt",
-                                               L"--fail", L"MailItem.Send=0x80040119#2", L"--wait", L"5",
-                                               L"--tell-shutdown", L"--send", L"a.json", L"b.json"});
+    const CommandLine line = ParseCommandLine({L"--profile",
+                                               L"p",
+                                               L"--version",
+                                               L"15.0.0.1",
+                                               L"--explorer",
+                                               L"disabled",
+                                               L"--strict-threads",
+                                               L"--no-addins",
+                                               L"--record",
+                                               L"r.txt",
+                                               L"--fail",
+                                               L"MailItem.Send=0x80040119#2",
+                                               L"--wait",
+                                               L"5",
+                                               L"--tell-shutdown",
+                                               L"--keep-ids",
+                                               L"--early-explorer",
+                                               L"--figures",
+                                               L"--until",
+                                               L"Done",
+                                               L"--meanwhile",
+                                               L"edit:Plans: draft",
+                                               L"--meanwhile",
+                                               L"close-explorer:",
+                                               L"--send",
+                                               L"a.json",
+                                               L"b.json"});
     EXPECT_EQ(line.outlook.profile, L"p");
     EXPECT_EQ(line.outlook.version, L"15.0.0.1");
     EXPECT_EQ(line.outlook.explorer, ExplorerState::Disabled);
@@ -29,6 +52,15 @@ TEST(OutlookCommandLine, AllOptionsAreUnderstood) {
     EXPECT_EQ(line.faults.at(0).result, static_cast<HRESULT>(0x80040119));
     EXPECT_EQ(line.faults.at(0).nth, 2u);
     EXPECT_EQ(line.waitMs, 5000u);
+    EXPECT_TRUE(line.outlook.keepsEntryIdOnMove);
+    EXPECT_TRUE(line.earlyExplorer);
+    EXPECT_TRUE(line.figures);
+    EXPECT_EQ(line.until, L"Done");
+    ASSERT_EQ(line.deeds.size(), 2u);
+    EXPECT_EQ(line.deeds[0].kind, Deed::Kind::Edit);
+    EXPECT_EQ(line.deeds[0].text, L"Plans: draft");
+    EXPECT_EQ(line.deeds[1].kind, Deed::Kind::CloseExplorer);
+    EXPECT_EQ(line.deeds[1].text, L"");
     EXPECT_TRUE(line.tellShutdown);
     EXPECT_THAT(line.items, testing::ElementsAre(L"a.json", L"b.json"));
 }
@@ -49,6 +81,10 @@ TEST(OutlookCommandLine, WhatIsNotUnderstoodIsRefusedInOneLine) {
     EXPECT_EQ(RefusalOf({L"--fail", L"MailItem.Send"}),
               "--fail wants Class.Member=0xHRESULT or Class.Member=0xHRESULT#n, not \"MailItem.Send\"");
     EXPECT_EQ(RefusalOf({L"--fail", L"MailItem.Send=0"}), "the HRESULT of \"MailItem.Send=0\" is no failure");
+    EXPECT_EQ(RefusalOf({L"--meanwhile", L"edit"}),
+              "--meanwhile wants edit, move, delete or close-explorer, a colon and a text, not \"edit\"");
+    EXPECT_EQ(RefusalOf({L"--meanwhile", L"burn:Plans"}),
+              "--meanwhile wants edit, move, delete or close-explorer, a colon and a text, not \"burn:Plans\"");
     EXPECT_EQ(RefusalOf({L"--wait", L"soon"}), "\"soon\" holds no number where one is wanted");
 }
 

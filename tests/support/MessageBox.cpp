@@ -1,5 +1,8 @@
 #include "tests/support/MessageBox.h"
 
+#include <atomic>
+#include <future>
+
 #include "platform/Windows.h"
 
 namespace test_support {
@@ -32,6 +35,20 @@ std::optional<ShownBox> AnswerMessageBox(const std::wstring& caption, const std:
         return shown;
     }
     return std::nullopt;
+}
+
+std::vector<std::wstring> BoxesDuring(const std::wstring& caption, const std::function<void()>& body) {
+    std::atomic<bool> over = false;
+    auto texts = std::async(std::launch::async, [&] {
+        std::vector<std::wstring> seen;
+        while (const auto box = AnswerMessageBox(caption, [&] { return over.load(); })) {
+            seen.push_back(box->text);
+        }
+        return seen;
+    });
+    body();
+    over = true;
+    return texts.get();
 }
 
 } // namespace test_support

@@ -2,6 +2,7 @@
 
 #include "agent/apps/outlook/CommonUtils.h"
 #include "agent/apps/outlook/GlobalConfig.h"
+#include "agent/apps/outlook/WorkerThread.h"
 #include "foundation/Border.h"
 #include "foundation/Log4CxxHelper.h"
 
@@ -58,6 +59,10 @@ HRESULT CConnect::OnDisconnection(ext_DisconnectMode, SAFEARRAY**) {
     Guard(logger_, LOG_SITE, kConnectionPhrases, [&] {
         DispEventUnadvise(application_);
         outlookController_.RestoreExplorerWindow_();
+        if (WorkerThread::Running() != 0) {
+            // For good: a worker looks at the controller to its end, and references are counted on this thread alone.
+            AddRef();
+        }
         LOG_INFO(logger_, L"Outlook plug-in was unloaded");
     });
     return S_OK;

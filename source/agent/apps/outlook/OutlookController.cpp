@@ -7,15 +7,11 @@
 #include "foundation/Border.h"
 #include "foundation/Log.h"
 #include "foundation/Log4CxxHelper.h"
-#include "foundation/Throw.h"
 #include "plugin-link/Vocabulary.h"
 
 namespace vorlek {
 
 LoggerHolder OutlookController::logger_;
-std::pair<const wchar_t*, HWND> OutlookController::foundWindow_{nullptr, nullptr};
-HWND OutlookController::explorerWindow_ = nullptr;
-WNDPROC OutlookController::previousWndProc_ = nullptr;
 
 OutlookController::OutlookController() {
     explorerWindow_ = nullptr;
@@ -24,6 +20,7 @@ OutlookController::OutlookController() {
 }
 
 OutlookController::~OutlookController() {
+    RestoreExplorerWindow_(); // of an add-in that goes without having been disconnected
     sentItems_.Clear();
 }
 
@@ -128,29 +125,6 @@ bool OutlookController::IsEmbedded_() {
     return !enabled;
 }
 
-HWND OutlookController::FindExplorerWindow_(const _bstr_t& caption) {
-    if (foundWindow_.second == nullptr) {
-        foundWindow_.first = caption.length() == 0 ? L"" : static_cast<const wchar_t*>(caption);
-        EnumThreadWindows(GetCurrentThreadId(), IsExplorerWindow_, reinterpret_cast<LPARAM>(&foundWindow_));
-        foundWindow_.first = nullptr; // the caption goes with its owner
-    }
-    return foundWindow_.second;
-}
-
-BOOL CALLBACK OutlookController::IsExplorerWindow_(HWND window, LPARAM searched) {
-    auto& [caption, found] = *reinterpret_cast<std::pair<const wchar_t*, HWND>*>(searched);
-    // Reading no more than the caption's length makes a title that begins with it match too: Outlook was
-    // seen to add to its title what the caption lacks.
-    const std::wstring wanted = caption;
-    std::wstring title(wanted.size() + 1, L'\0');
-    title.resize(static_cast<std::size_t>(GetWindowTextW(window, title.data(), static_cast<int>(title.size()))));
-    if (title.empty() || title != wanted) {
-        return TRUE;
-    }
-    found = window;
-    return FALSE;
-}
-
 bool OutlookController::IsSentByPlugin_(const std::shared_ptr<ItemHandler>& handler) {
     return IsSentByPlugin_(handler, DateTime(DateTime::Utc));
 }
@@ -183,23 +157,20 @@ bool OutlookController::IsSentByPlugin_(const std::shared_ptr<ItemHandler>& hand
 bool OutlookController::HandleSyncInspection_(const std::shared_ptr<ItemHandler>& handler) {
     LOG_INFO(logger_, L"Embedded Outlook -> Sending for \"synchronized\" inspection");
     const auto decision = StartInspection_(CreateInspectionMessage_(handler));
-    if (decision->GetResult() == InspectionDecision::kBlock) {
-        return true;
-    }
+    return decision->GetResult() == InspectionDecision::kBlock || !ApplyModifications_(handler, decision);
+}
+
+bool OutlookController::ApplyModifications_(const std::shared_ptr<ItemHandler>& handler,
+                                            const std::shared_ptr<InspectionDecision>& decision) {
     if (decision->HasModifications()) {
         handler->ApplyDataLabel(decision);
         const InspectionDecision::Attachments attachments = decision->GetAttachments();
         if (!attachments.empty() && !handler->OverrideItemAttachments(attachments)) {
             LOG_ERROR(logger_, L"Failed to override attachments - cannot send the email");
-            return true;
+            return false;
         }
     }
-    return false;
-}
-
-void OutlookController::HandleAsyncInspection_(const std::shared_ptr<ItemHandler>&) {
-    Throw<NotImplementedException>(L"vorlek::OutlookController::HandleAsyncInspection_",
-                                   L"Inspection beside the send event is not available");
+    return true;
 }
 
 CInspectorMessage OutlookController::CreateInspectionMessage_(const std::shared_ptr<ItemHandler>& handler) {
@@ -218,23 +189,6 @@ std::shared_ptr<InspectionDecision> OutlookController::StartInspection_(const CI
         LOG_INFO(logger_, L"Message can be sent");
     }
     return decision;
-}
-
-void OutlookController::HandleIncompleteInspections() {
-    LOG_INFO(logger_, L"Sending items that were in the middle of inspection when Outlook was closed.");
-    if (embeddedProcess_) {
-        LOG_INFO(logger_, L"Outlook is embedded - skipping resending of inspected items");
-        return;
-    }
-    Throw<NotImplementedException>(L"vorlek::OutlookController::HandleIncompleteInspections",
-                                   L"Resending of inspected items is not available");
-}
-
-void OutlookController::RestoreExplorerWindow_() {
-    if (explorerWindow_ != nullptr) {
-        SetWindowLongPtrW(explorerWindow_, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(previousWndProc_));
-        explorerWindow_ = nullptr;
-    }
 }
 
 } // namespace vorlek
