@@ -15,7 +15,7 @@ void Report(const log4cxx::LoggerPtr& logger, const log4cxx::LevelPtr& level, co
     if (phrase.index >= 0) {
         line += std::to_wstring(phrase.index) + phrase.ending;
     }
-    logger->forcedLog(level, line + text, site);
+    WriteLog(logger, level, line + text, site);
 }
 
 void Report(const log4cxx::LoggerPtr& logger, const log4cxx::LevelPtr& level, const Phrase& phrase,

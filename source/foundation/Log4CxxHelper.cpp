@@ -181,7 +181,7 @@ void LogCurrentException(LoggerHolder& holder, const std::wstring& prefix, const
     text << prefix;
     DescribeCurrent_(text, lastError);
     if (const log4cxx::LoggerPtr& logger = holder.Get()) {
-        logger->forcedLog(log4cxx::Level::getFatal(), text.str(), location);
+        WriteLog(logger, log4cxx::Level::getFatal(), text.str(), location);
     }
 }
 

@@ -1,8 +1,8 @@
 #include "foundation/Log4CxxTracer.h"
 
-#include <string>
-
 #include <log4cxx/level.h>
+
+#include "foundation/Log.h"
 
 namespace vorlek {
 
@@ -10,7 +10,7 @@ Log4CxxTracer::Log4CxxTracer(const LoggerHolder& holder) : logger_(holder.Get())
 
 Log4CxxTracer::~Log4CxxTracer() {
     if (entered_) {
-        logger_->forcedLog(log4cxx::Level::getTrace(), std::wstring(L"Left"), *location_);
+        WriteLog(logger_, log4cxx::Level::getTrace(), L"Left", *location_);
     }
 }
 
@@ -20,7 +20,7 @@ void Log4CxxTracer::Trace(const log4cxx::spi::LocationInfo& location) {
     }
     entered_ = true;
     location_ = std::make_unique<log4cxx::spi::LocationInfo>(location);
-    logger_->forcedLog(log4cxx::Level::getTrace(), std::wstring(L"Entered"), *location_);
+    WriteLog(logger_, log4cxx::Level::getTrace(), L"Entered", *location_);
 }
 
 } // namespace vorlek

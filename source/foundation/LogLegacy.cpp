@@ -68,8 +68,8 @@ void LogLegacy(std::uint32_t /*category*/, int level, const char* format, const 
     const std::wstring text = Format_(WideFormat_(format), arguments);
     va_end(arguments);
     if (!text.empty()) {
-        legacyLogger_.Get()->forcedLog(logLevel, text,
-                                       {file, log4cxx::spi::LocationInfo::calcShortFileName(file), function, line});
+        WriteLog(legacyLogger_.Get(), logLevel, text,
+                 {file, log4cxx::spi::LocationInfo::calcShortFileName(file), function, line});
     }
 }
 
