@@ -92,6 +92,7 @@ std::map<std::wstring, std::function<void()>> Switches(CommandLine& line) {
     return {{L"--strict-threads", [&] { line.outlook.strictThreads = true; }},
             {L"--keep-ids", [&] { line.outlook.keepsEntryIdOnMove = true; }},
             {L"--early-explorer", [&] { line.earlyExplorer = true; }},
+            {L"--read-boxes", [&] { line.readBoxes = true; }},
             {L"--figures", [&] { line.figures = true; }},
             {L"--no-addins", [&] { line.addIns = false; }},
             {L"--tell-shutdown", [&] { line.tellShutdown = true; }},
@@ -142,6 +143,7 @@ const char* Usage() {
            "  --meanwhile DO:TEXT  while an add-in inspects an item whose subject or body holds TEXT, the user does "
            "one\n"
            "                       of edit, move, delete (to the item) and close-explorer\n"
+           "  --read-boxes         the user presses OK on every message box; what it says is told\n"
            "  --version N.N.N.N    what Application.Version answers (16.0.5.1)\n"
            "  -Embedding           started for automation; also Embedding and /Embedding, in any case\n"
            "  --explorer STATE     shown (as usual), disabled or missing; it comes once the add-ins are loaded\n"

@@ -23,6 +23,7 @@ struct CommandLine {
     bool help = false;
     bool earlyExplorer = false; ///< the main window comes before the add-ins
     bool figures = false;
+    bool readBoxes = false;
     DWORD waitMs = 60000; ///< for the items that an add-in took into its hands
     std::wstring until;   ///< event; empty: until the items' fate is known
     std::vector<Deed> deeds;

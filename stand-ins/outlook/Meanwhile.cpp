@@ -89,7 +89,11 @@ void Meanwhile::DoDue() {
         due.swap(watch_->due);
     }
     for (const std::wstring& entryId : due) {
-        DoTo_(entryId);
+        try {
+            DoTo_(entryId);
+        } catch (const _com_error&) {
+            // It has left: the inspection was faster than its user.
+        }
     }
 }
 

@@ -1,7 +1,9 @@
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <fstream>
+#include <optional>
 
 #include "stand-ins/outlook/Com.h"
 
@@ -11,6 +13,7 @@
 #include "stand-ins/outlook/Figures.h"
 #include "stand-ins/outlook/Meanwhile.h"
 #include "stand-ins/outlook/Outlook.h"
+#include "stand-ins/outlook/Reader.h"
 #include "stand-ins/outlook/Store.h"
 #include "stand-ins/outlook/Text.h"
 
@@ -117,7 +120,7 @@ void SayFigures(Outlook& outlook, size_t items, size_t threads) {
 }
 
 // Sends all items without waiting for any, and stays as long as the command line wants.
-void SendAll(Outlook& outlook, const CommandLine& line, std::vector<ItemData> items) {
+void SendAll(Outlook& outlook, const CommandLine& line, const std::vector<ItemData>& items) {
     Meanwhile meanwhile(outlook, line.deeds);
     Outbox outbox(outlook);
     const auto settled = [&] {
@@ -126,7 +129,7 @@ void SendAll(Outlook& outlook, const CommandLine& line, std::vector<ItemData> it
     };
     const size_t threads = CountThreads();
     for (size_t i = 0; i < items.size(); ++i) {
-        outbox.Send(line.items[i], std::move(items[i]));
+        outbox.Send(line.items[i], items[i]);
         Outlook::HandleMessages();
         settled();
         if (line.figures && i == 0) {
@@ -172,13 +175,17 @@ int Run(const CommandLine& line) {
     for (const FaultOption& fault : line.faults) {
         outlook.Failures().Fail(fault.member, fault.result, fault.nth);
     }
+    std::optional<Reader> reader;
+    if (line.readBoxes) {
+        reader.emplace([](const std::wstring& text) { Say(L"message box: " + text); });
+    }
     if (line.addIns) {
         LoadAddIns(outlook);
     }
     if (line.outlook.explorer != ExplorerState::Missing) {
         outlook.OpenExplorer(line.outlook.explorer == ExplorerState::Shown);
     }
-    SendAll(outlook, line, std::move(items));
+    SendAll(outlook, line, items);
     if (line.tellShutdown) {
         outlook.TellShutdown();
     }
@@ -188,9 +195,7 @@ int Run(const CommandLine& line) {
     return 0;
 }
 
-} // namespace
-
-int main() {
+int Main() {
     try {
         const CommandLine line = ParseCommandLine(Arguments());
         if (line.help) {
@@ -202,4 +207,13 @@ int main() {
         std::fprintf(stderr, "outlook: %s\n", failure.what());
         return 2;
     }
+}
+
+} // namespace
+
+int main() {
+    const int status = Main();
+    // Without a look back: an add-in's threads may run, and call, to the very last.
+    std::fflush(nullptr);
+    std::_Exit(status);
 }

@@ -13,7 +13,9 @@ namespace {
 
 constexpr wchar_t kAddIns[] = L"SOFTWARE\\Microsoft\\Office\\Outlook\\Addins\\OutlookQLTPlugin.Connect";
 constexpr wchar_t kInput[] = L"SOFTWARE\\Vorlek\\OutlookQLTPlugin\\Input";
+constexpr wchar_t kUnsent[] = L"SOFTWARE\\Vorlek\\OutlookQLTPlugin\\Unsent";
 constexpr wchar_t kProduct[] = L"SOFTWARE\\Vorlek\\OutlookQLTPlugin";
+constexpr wchar_t kBoxCaption[] = L"Microsoft Outlook";
 constexpr wchar_t kOnSpot[] = L"onspotenabled";
 constexpr DWORD kLoadAtStart = 3;
 constexpr DWORD kPollMs = 20;
@@ -60,9 +62,13 @@ std::vector<Json> ReadItems(const fs::path& folder) {
     return items;
 }
 
+std::wstring CloseEvent() {
+    return L"desk-" + std::to_wstring(GetCurrentProcessId()) + L"-close";
+}
+
 } // namespace
 
-Desk::Desk() {
+Desk::Desk() : close_(CreateEventW(nullptr, TRUE, FALSE, CloseEvent().c_str())) {
     folder_ = fs::temp_directory_path() / (L"desk-" + std::to_wstring(GetCurrentProcessId()));
     fs::remove_all(folder_);
     fs::create_directories(folder_);
@@ -73,6 +79,7 @@ Desk::Desk() {
 }
 
 Desk::~Desk() {
+    outlook_.reset();
     StopAgent();
     RegDeleteTreeW(HKEY_LOCAL_MACHINE, kAddIns);
     RegDeleteTreeW(HKEY_CURRENT_USER, kProduct);
@@ -131,17 +138,52 @@ fs::path Desk::Item(const Json& fields) {
 }
 
 OutlookRun Desk::Send(const std::vector<fs::path>& items, std::vector<std::wstring> options) {
+    return Finish_(*StartOutlook_(items, std::move(options)));
+}
+
+void Desk::Open(const std::vector<fs::path>& items, std::vector<std::wstring> options) {
+    ResetEvent(close_.Get());
+    options.insert(options.end(), {L"--until", CloseEvent()});
+    outlook_ = StartOutlook_(items, std::move(options));
+}
+
+OutlookRun Desk::Close() {
+    SetEvent(close_.Get());
+    OutlookRun run = Finish_(*outlook_);
+    outlook_.reset();
+    return run;
+}
+
+bool Desk::Await(const std::function<bool()>& condition) const {
+    for (int polls = 0; !condition(); ++polls) {
+        if (outlook_->EndsWithin(kPollMs) || polls == kReadyPolls) {
+            return false;
+        }
+    }
+    return true;
+}
+
+std::optional<test_support::ShownBox> Desk::AwaitBox() const {
+    int polls = 0;
+    return test_support::AnswerMessageBox(kBoxCaption,
+                                          [&] { return outlook_->EndsWithin(kPollMs) || ++polls == kReadyPolls; });
+}
+
+std::unique_ptr<test_support::Program> Desk::StartOutlook_(const std::vector<fs::path>& items,
+                                                           std::vector<std::wstring> options) {
     std::vector<std::wstring> arguments = {L"--profile", (folder_ / "profile").wstring()};
     arguments.insert(arguments.end(), options.begin(), options.end());
     arguments.emplace_back(L"--send");
     for (const fs::path& item : items) {
         arguments.push_back(item.wstring());
     }
-    const test_support::Program outlook(Built(OUTLOOK_PROGRAM), arguments,
-                                        folder_ / ("outlook-" + std::to_string(++runs_) + ".txt"));
+    return std::make_unique<test_support::Program>(Built(OUTLOOK_PROGRAM), arguments,
+                                                   folder_ / ("outlook-" + std::to_string(++runs_) + ".txt"));
+}
+
+OutlookRun Desk::Finish_(const test_support::Program& outlook) {
     OutlookRun run;
-    while (auto box =
-               test_support::AnswerMessageBox(L"Microsoft Outlook", [&] { return outlook.EndsWithin(kPollMs); })) {
+    while (auto box = test_support::AnswerMessageBox(kBoxCaption, [&] { return outlook.EndsWithin(kPollMs); })) {
         run.box = std::move(box);
         ++run.boxes;
     }
@@ -181,6 +223,20 @@ std::vector<std::string> Desk::Log() const {
         lines.push_back(std::move(line));
     }
     return lines;
+}
+
+std::vector<std::wstring> Desk::Ledger() {
+    std::vector<std::wstring> ids;
+    HKEY key = nullptr;
+    if (RegOpenKeyExW(HKEY_CURRENT_USER, kUnsent, 0, KEY_READ, &key) == ERROR_SUCCESS) {
+        wchar_t name[256];
+        for (DWORD i = 0, size = 256;
+             RegEnumValueW(key, i, name, &size, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS; ++i, size = 256) {
+            ids.emplace_back(name);
+        }
+        RegCloseKey(key);
+    }
+    return ids;
 }
 
 bool Desk::Logged(const std::string& line) const {

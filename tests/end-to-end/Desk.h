@@ -1,5 +1,6 @@
 #pragma once
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -8,6 +9,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 
+#include "foundation/AutoHandle.h"
 #include "tests/support/MessageBox.h"
 #include "tests/support/Program.h"
 
@@ -42,6 +44,15 @@ protected:
     OutlookRun Send(const std::vector<std::filesystem::path>& items,
                     std::vector<std::wstring> options = {L"-Embedding"});
 
+    /// Starts Outlook, which sends the items and stays until it is closed.
+    void Open(const std::vector<std::filesystem::path>& items, std::vector<std::wstring> options = {});
+    /// Ends it, answering the boxes that are still to come.
+    OutlookRun Close();
+    /// Waits until the condition holds. False: Outlook ended first, or the time for a test is over.
+    bool Await(const std::function<bool()>& condition) const;
+    /// Waits for a box of the add-in's and answers it. Nothing as above.
+    std::optional<test_support::ShownBox> AwaitBox() const;
+
     std::vector<Json> Delivered() const;
     std::vector<Json> ItemsIn(const std::string& folder) const;
     /// The documents that the agent was shown.
@@ -49,6 +60,8 @@ protected:
     /// "LEVEL text" of every line that the add-in logged.
     std::vector<std::string> Log() const;
     bool Logged(const std::string& line) const;
+    /// The IDs of the items that the add-in has in hand.
+    static std::vector<std::wstring> Ledger();
 
     void SetOnSpot(bool on) const;
 
@@ -56,8 +69,13 @@ protected:
 
 private:
     void WriteLogConfiguration_() const;
+    std::unique_ptr<test_support::Program> StartOutlook_(const std::vector<std::filesystem::path>& items,
+                                                         std::vector<std::wstring> options);
+    static OutlookRun Finish_(const test_support::Program& outlook);
 
+    vorlek::FileHandle close_; ///< the event that ends an open Outlook
     std::unique_ptr<test_support::Program> agent_;
+    std::unique_ptr<test_support::Program> outlook_;
     int runs_ = 0;
     int items_ = 0;
 };

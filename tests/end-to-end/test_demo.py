@@ -29,8 +29,11 @@ class Demo(unittest.TestCase):
         self.assertEqual(run.returncode, 0, run.stdout + run.stderr)
         outcomes = [line for line in run.stdout.splitlines() if line.startswith("    outcome: ")]
         self.assertEqual(len(outcomes), len(list((ROOT / "demo/mails").glob("*.eml"))))
-        self.assertEqual([line for line in outcomes if not line.startswith("    outcome: sent")],
-                         ["    outcome: stopped by the add-in: saved in Drafts, its window is open"])
+        back = "    outcome: stopped by the add-in: brought back to the screen"
+        self.assertEqual([line for line in outcomes if not line.startswith("    outcome: sent by the add-in")],
+                         [back, back])
+        self.assertIn('The user was told: "The mail item was modified during inspection and was not sent."',
+                      run.stdout.splitlines())
 
         labelled = self.delivered("08-confidential.eml")
         self.assertEqual(labelled["Subject"], "[Confidential] Confidential: results of the second trial")
@@ -43,9 +46,25 @@ class Demo(unittest.TestCase):
 
         for part, wanted in (("From", "Ольга"), ("Subject", "Договор")):
             self.assertIn(wanted, str(self.delivered("04-cyrillic-koi8-r.eml")[part]))
-        self.assertFalse((self.out / "delivered/07-card-number.eml").exists())
+        self.assertNotIn("X-Demo-Item", self.delivered("01-plain.eml"))
+        drafts = [item.read_text("utf-8") for item in (self.out / "profile/Stores/Outlook Data File/Drafts").iterdir()]
+        self.assertEqual(len(drafts), 2)
+        self.assertTrue(any("One more thing: see you on Friday." in item for item in drafts))
+        for stays in ("07-card-number.eml", "11-changed-meanwhile.eml"):
+            self.assertFalse((self.out / "delivered" / stays).exists())
         self.assertEqual(len(list((self.out / "inspections").glob("*-inspector.xml"))), len(outcomes))
+        self.assertIn("Started Async inspection.", (self.out / "add-in.log").read_text("utf-8"))
         self.assertIn("Message should be blocked!", (self.out / "add-in.log").read_text("utf-8"))
+
+    def test_embedded_each_mail_is_inspected_inside_its_send(self):
+        mails = [ROOT / "demo/mails" / name for name in ("07-card-number.eml", "08-confidential.eml")]
+        run = self.run_demo("--embedded", *mails)
+        self.assertEqual(run.returncode, 0, run.stdout + run.stderr)
+        outcomes = [line for line in run.stdout.splitlines() if line.startswith("    outcome: ")]
+        self.assertEqual(outcomes[0], "    outcome: stopped by the add-in: saved in Drafts, its window is open")
+        self.assertTrue(outcomes[1].startswith(
+            '    outcome: sent, as "[Confidential] Confidential: results of the second trial"'), outcomes[1])
+        self.assertNotIn("Started Async inspection.", (self.out / "add-in.log").read_text("utf-8"))
 
     def test_a_file_that_is_no_mail_gets_one_line_and_leaves_nothing(self):
         with tempfile.TemporaryDirectory() as folder:

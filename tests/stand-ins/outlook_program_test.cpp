@@ -33,6 +33,7 @@ TEST(OutlookCommandLine, AllOptionsAreUnderstood) {
                                                L"--keep-ids",
                                                L"--early-explorer",
                                                L"--figures",
+                                               L"--read-boxes",
                                                L"--until",
                                                L"Done",
                                                L"--meanwhile",
@@ -55,6 +56,7 @@ TEST(OutlookCommandLine, AllOptionsAreUnderstood) {
     EXPECT_TRUE(line.outlook.keepsEntryIdOnMove);
     EXPECT_TRUE(line.earlyExplorer);
     EXPECT_TRUE(line.figures);
+    EXPECT_TRUE(line.readBoxes);
     EXPECT_EQ(line.until, L"Done");
     ASSERT_EQ(line.deeds.size(), 2u);
     EXPECT_EQ(line.deeds[0].kind, Deed::Kind::Edit);

@@ -56,13 +56,13 @@ HRESULT CConnect::OnConnection(IDispatch* Application, ext_ConnectMode, IDispatc
 }
 
 HRESULT CConnect::OnDisconnection(ext_DisconnectMode, SAFEARRAY**) {
+    if (WorkerThread::Running() != 0) {
+        // For good: a worker looks at the controller to its end, and references are counted on this thread alone.
+        AddRef();
+    }
     Guard(logger_, LOG_SITE, kConnectionPhrases, [&] {
         DispEventUnadvise(application_);
         outlookController_.RestoreExplorerWindow_();
-        if (WorkerThread::Running() != 0) {
-            // For good: a worker looks at the controller to its end, and references are counted on this thread alone.
-            AddRef();
-        }
         LOG_INFO(logger_, L"Outlook plug-in was unloaded");
     });
     return S_OK;
