@@ -16,6 +16,14 @@ constexpr std::size_t kPieces = 4'096;
 const std::wstring kPiece(2'048, L'x');
 constexpr double kBytes = 2.0 * 2'048 * kPieces; // 16 MB
 
+/// The most that four times the message may come to, with what a process takes beside it. The heap of the checked
+/// build cannot let a block grow where it is.
+#ifdef _GLIBCXX_ASSERTIONS
+constexpr double kFourTimes = 5.5;
+#else
+constexpr double kFourTimes = 4.5;
+#endif
+
 /// Runs the body beside one that does the peer's part; returns what was added to the process at the most, in bytes.
 std::wstring Measure(const std::function<void(const vorlek::Socket&)>& body, const std::function<void(SOCKET)>& peer) {
     SocketPair pair;
@@ -67,10 +75,10 @@ double FactorOf(const wchar_t* role) {
 
 // The text, the value, and what the reader holds of them; the bytes are never there as a whole.
 TEST(MessageMemory, OfReceivingIsFourTimesTheMessage) {
-    EXPECT_LT(FactorOf(L"ReceiveMuch"), 4.5);
+    EXPECT_LT(FactorOf(L"ReceiveMuch"), kFourTimes);
 }
 
 // The value, the text, and what the writer holds of it; the bytes come when the writer is gone.
 TEST(MessageMemory, OfSendingIsFourTimesTheMessage) {
-    EXPECT_LT(FactorOf(L"SendMuch"), 4.5);
+    EXPECT_LT(FactorOf(L"SendMuch"), kFourTimes);
 }

@@ -1,7 +1,10 @@
 // What a process holds, counted.
 #include "stand-ins/outlook/Figures.h"
 
+#include <cstdlib>
 #include <future>
+#include <memory>
+#include <vector>
 
 #include "tests/stand-ins/OutlookTest.h"
 
@@ -15,9 +18,9 @@ TEST_F(OutlookFigures, WhatComesIsCountedAndWhatGoesIsCountedOff) {
     {
         const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
         const DispatchPtr session = Session();
-        const auto blocks = std::make_unique<std::unique_ptr<int>[]>(1000);
+        std::vector<std::unique_ptr<void, decltype(&std::free)>> blocks; // of the heap, in the checked build too
         for (int i = 0; i < 1000; ++i) {
-            blocks[i] = std::make_unique<int>(i);
+            blocks.emplace_back(std::malloc(16), &std::free);
         }
         auto running = std::async(std::launch::async, [&] { WaitForSingleObject(event, INFINITE); });
         const Figures during = Figures::Measure();

@@ -178,7 +178,7 @@ class RefuseTest(MailTest):
 class WriteTest(MailTest):
     def test_every_demo_mail_survives_the_round_trip(self):
         mails = sorted(DEMO.glob("*.eml"))
-        self.assertEqual(len(mails), 10)
+        self.assertEqual(len(mails), 11)
         for mail in mails:
             with self.subTest(mail.name):
                 item = self.open(mail.read_bytes())
