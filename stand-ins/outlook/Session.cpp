@@ -175,6 +175,7 @@ bool Session::Submit(const RecordPtr& record, IDispatch* item) {
     }
     record->data.sent = true;
     Leave_(record);
+    failures.ApplyAfter(submission);
     return true;
 }
 

@@ -144,6 +144,20 @@ TEST_F(OutlookSend, TransportThatFailsLeavesTheItemInDrafts) {
     EXPECT_THAT(outlook_.ItemsIn(L"Drafts"), SizeIs(1));
 }
 
+TEST_F(OutlookSend, SubmissionIsOverWhenTheItemHasLeft) {
+    const auto mail = Mail();
+    std::vector<size_t> counts;
+    const auto count = [&] {
+        counts.push_back(outlook_.Delivered().size());
+        counts.push_back(outlook_.ItemsIn(L"Drafts").size());
+    };
+    Invoke(mail, L"Save");
+    outlook_.Failures().On(L"Transport.Submit", [&](const Call&) { return (count(), std::optional<_variant_t>()); });
+    outlook_.Failures().After(L"Transport.Submit", count);
+    outlook_.Send(mail);
+    EXPECT_THAT(counts, testing::ElementsAre(0u, 1u, 1u, 0u));
+}
+
 TEST_F(OutlookSend, SentItemIsDead) {
     const auto mail = Mail();
     const auto attachments = GetObject(mail, L"Attachments");
