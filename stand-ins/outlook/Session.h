@@ -41,6 +41,8 @@ public:
     void Delete(const RecordPtr& record);
     /// Raises ItemSend and, unless it is cancelled, sends: whether the item left. Failure: why it could not.
     bool Submit(const RecordPtr& record, IDispatch* item);
+    /// Tells a program whose Send was cancelled what the options want.
+    void ReportCancelledSend() const;
 
     /// The object that shows a record, of the item's kind.
     DispatchPtr Show(const RecordPtr& record);
