@@ -30,6 +30,7 @@ Outlook::Outlook(OutlookOptions options)
     : apartment_(std::make_unique<Apartment_>()),
       lock_(std::make_unique<ProfileLock>(options.profile)),
       session_(std::make_shared<Session>(std::move(options))) {
+    session_->BecomeCurrent();
     if (session_->options.explorer != ExplorerState::Missing) {
         OpenExplorer(session_->options.explorer == ExplorerState::Shown);
     }
@@ -79,6 +80,7 @@ SendResult Outlook::Send(const DispatchPtr& item) {
         record->CheckAlive();
         session_->OpenInspector(record);
         result.outcome = session_->Submit(record, item) ? SendResult::Outcome::Sent : SendResult::Outcome::Stopped;
+        session_->LetWordClose();
     } catch (const Failure& failure) {
         result.error = failure.result;
         result.reason = failure.words;
