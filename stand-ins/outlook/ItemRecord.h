@@ -22,12 +22,16 @@ public:
 
     void SetBody(const std::wstring& text);
     void SetHtmlBody(const std::wstring& html);
+    void SetRtfBody(std::string rtf);
     void SetBodyFormat(long format);
     std::wstring HtmlBody() const;
+    /// Of a rich-text item only.
+    std::string RtfBody() const;
 
     ItemData data; ///< without recipients and attachments
     std::vector<std::shared_ptr<RecipientData>> recipients;
     std::vector<std::shared_ptr<AttachmentData>> attachments;
+    std::shared_ptr<ItemRecord> related; ///< the open item that this one is about, which may not be saved yet
     FolderPath folder;
     bool dirty = true;
     bool dead = false;
