@@ -32,9 +32,9 @@ private:
     bool LeaveLedger_(bool& sent);
     void SendThroughOutlook_();
     void GiveBackToUser_();
-    _bstr_t ReadHtml_();
+    std::wstring ExportHtml_();
     std::wstring ExportRichText_();
-    void RequireObjectModel_();
+    Redemption::IRDOMailPtr GetLabelledMail_();
 
     static LoggerHolder logger_;
 
