@@ -92,6 +92,7 @@ TEST_F(OutlookSend, ProgramsSendRaisesTheEventTooAndHearsOfACancel) {
     Sink sink(outlook_.Application(), [&](IDispatch*) { return cancel; });
     const auto mail = Mail();
     EXPECT_EQ(ErrorOf([&] { Invoke(mail, L"Send"); }), E_ABORT);
+    EXPECT_THAT(outlook_.ItemsIn(L"Drafts"), SizeIs(1));
     cancel = false;
     EXPECT_EQ(ErrorOf([&] { Invoke(mail, L"Send"); }), S_OK);
     EXPECT_EQ(sink.calls, 2);
