@@ -1,5 +1,8 @@
 #include "stand-ins/outlook/Application.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "stand-ins/outlook/ConnectionPoint.h"
 #include "stand-ins/outlook/Explorer.h"
 #include "stand-ins/outlook/Failure.h"
@@ -21,13 +24,19 @@ DispatchPtr ActiveInspector(Application& self) {
 }
 
 DispatchPtr CreateItem(Application& self, long kind) {
-    constexpr long kMail = 0;
-    constexpr long kPost = 6;
-    if (kind != kMail && kind != kPost) {
+    struct Creatable {
+        long number;
+        ItemKind kind;
+        DefaultFolder folder;
+    };
+    static constexpr Creatable kinds[] = {
+        {0, ItemKind::Mail, Drafts}, {3, ItemKind::Task, Tasks}, {6, ItemKind::Post, Drafts}};
+    const auto* const found = std::ranges::find(kinds, kind, &Creatable::number);
+    if (found == std::end(kinds)) {
         throw Failure{E_INVALIDARG, L"Items of this kind cannot be created."};
     }
-    return self.Owner().Show(std::make_shared<ItemRecord>(
-        ItemData{.kind = kind == kMail ? ItemKind::Mail : ItemKind::Post}, Store::DefaultFolderPath(Drafts)));
+    return self.Owner().Show(
+        std::make_shared<ItemRecord>(ItemData{.kind = found->kind}, Store::DefaultFolderPath(found->folder)));
 }
 
 DispatchPtr MapiSession(Application& self) {

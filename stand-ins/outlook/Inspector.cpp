@@ -36,10 +36,14 @@ Inspector::Inspector(std::shared_ptr<Session> session, std::shared_ptr<ItemRecor
     : Object(std::move(session), InspectorClass()), record_(std::move(record)) {}
 
 std::wstring Inspector::CaptionOf(const ItemData& item) {
+    const std::wstring subject = item.subject.empty() ? L"Untitled" : item.subject;
+    if (item.kind == ItemKind::Task || item.kind == ItemKind::TaskRequest) {
+        return subject + L" - Task";
+    }
     const wchar_t* format = item.bodyFormat == Html       ? L"HTML"
                             : item.bodyFormat == RichText ? L"Rich Text"
                                                           : L"Plain Text";
-    return (item.subject.empty() ? L"Untitled" : item.subject) + L" - Message (" + format + L") ";
+    return subject + L" - Message (" + format + L") ";
 }
 
 } // namespace stand_ins

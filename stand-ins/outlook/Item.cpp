@@ -91,6 +91,19 @@ ClassOf<Item> BuildItemClass() {
     return members;
 }
 
+const Class& ClassOfKind(ItemKind kind) {
+    switch (kind) {
+    case ItemKind::Post:
+        return PostItemClass();
+    case ItemKind::Task:
+        return TaskItemClass();
+    case ItemKind::TaskRequest:
+        return TaskRequestItemClass();
+    default:
+        return MailItemClass();
+    }
+}
+
 } // namespace
 
 void* Item::OwnInterface(REFIID interfaceId) {
@@ -102,7 +115,7 @@ void* Item::OwnInterface(REFIID interfaceId) {
 }
 
 DispatchPtr MakeItem(const std::shared_ptr<Session>& session, const std::shared_ptr<ItemRecord>& record) {
-    return Make<Item>(session, record, record->data.kind == ItemKind::Mail ? MailItemClass() : PostItemClass());
+    return Make<Item>(session, record, ClassOfKind(record->data.kind));
 }
 
 std::shared_ptr<ItemRecord> RecordOf(IDispatch* object) {

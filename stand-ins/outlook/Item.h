@@ -43,8 +43,12 @@ void CloseItem(Session& session, const std::shared_ptr<ItemRecord>& record, long
 
 /// The members that all items have.
 const Class& ItemClass();
+/// Those and the ones of items that somebody is named in to receive them.
+const Class& SentItemClass();
 /// Those of one kind, with its interface.
 const Class& MailItemClass();
 const Class& PostItemClass();
+const Class& TaskItemClass();
+const Class& TaskRequestItemClass();
 
 } // namespace stand_ins

@@ -1,5 +1,7 @@
 #include "stand-ins/outlook/ItemData.h"
 
+#include <algorithm>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
@@ -9,6 +11,23 @@ namespace stand_ins {
 namespace {
 
 using Json = nlohmann::json;
+
+struct KindNames {
+    ItemKind kind;
+    const char* name;
+    const wchar_t* messageClass; ///< unless the item says another
+};
+
+constexpr KindNames kKinds[] = {
+    {ItemKind::Mail, "mail", L"IPM.Note"},
+    {ItemKind::Post, "post", L"IPM.Post"},
+    {ItemKind::Task, "task", L"IPM.Task"},
+    {ItemKind::TaskRequest, "taskRequest", L"IPM.TaskRequest"},
+};
+
+const KindNames& NamesOf(ItemKind kind) {
+    return *std::ranges::find(kKinds, kind, &KindNames::kind);
+}
 
 // Reads the fields of one JSON object; failures name the way to the field, such as "attachments[2].content".
 class Reader {
@@ -159,10 +178,15 @@ AttachmentData ReadAttachment(const Reader& reader) {
 void ReadKind(const Reader& reader, ItemData& item) {
     std::wstring kind = L"mail";
     reader.Read("kind", kind);
-    if (kind != L"mail" && kind != L"post") {
-        reader.Refuse("kind", "neither \"mail\" nor \"post\"");
+    const auto* const known = std::ranges::find(kKinds, ToUtf8(kind), &KindNames::name);
+    if (known == std::end(kKinds)) {
+        std::string names;
+        for (const KindNames& each : kKinds) {
+            names += (names.empty() ? "\"" : ", \"") + std::string(each.name) + '"';
+        }
+        reader.Refuse("kind", "none of " + names);
     }
-    item.kind = kind == L"mail" ? ItemKind::Mail : ItemKind::Post;
+    item.kind = known->kind;
 }
 
 void ReadBodies(const Reader& reader, ItemData& item) {
@@ -185,7 +209,7 @@ void Complete(ItemData& item) {
         item.body = PlainTextOf(item.htmlBody);
     }
     if (item.messageClass.empty()) {
-        item.messageClass = item.kind == ItemKind::Mail ? L"IPM.Note" : L"IPM.Post";
+        item.messageClass = NamesOf(item.kind).messageClass;
     }
     item.hasAccount = item.hasAccount || !item.account.empty();
     for (AttachmentData& attachment : item.attachments) {
@@ -196,7 +220,7 @@ void Complete(ItemData& item) {
 }
 
 nlohmann::json ToJson(const ItemData& item) {
-    Json json = {{"kind", item.kind == ItemKind::Mail ? "mail" : "post"},
+    Json json = {{"kind", NamesOf(item.kind).name},
                  {"messageClass", ToUtf8(item.messageClass)},
                  {"subject", ToUtf8(item.subject)},
                  {"bodyFormat", item.bodyFormat},
@@ -223,6 +247,13 @@ nlohmann::json ToJson(const ItemData& item) {
     for (const auto& [name, value] : item.headers) {
         json["headers"].push_back({ToUtf8(name), ToUtf8(value)});
     }
+    if (!item.relatedId.empty()) {
+        json["relatedId"] = ToUtf8(item.relatedId);
+        json["subjectPrefix"] = ToUtf8(item.subjectPrefix);
+    }
+    for (const ItemData& related : item.related) {
+        json["related"].push_back(ToJson(related));
+    }
     return json;
 }
 
@@ -239,6 +270,8 @@ ItemData FromJson(const nlohmann::json& json) {
     reader.Read("autoForwarded", item.autoForwarded);
     reader.Read("votingResponse", item.votingResponse);
     reader.Read("properties", item.properties);
+    reader.Read("relatedId", item.relatedId);
+    reader.Read("subjectPrefix", item.subjectPrefix);
     reader.Read("entryId", item.entryId);
     reader.Read("lastModificationTime", item.lastModificationTime);
     reader.Read("sent", item.sent);
@@ -254,6 +287,7 @@ ItemData FromJson(const nlohmann::json& json) {
         }
         item.headers.emplace_back(FromUtf8(entry[0].get<std::string>()), FromUtf8(entry[1].get<std::string>()));
     });
+    reader.ReadEach("related", [&](const Json& entry, const std::string&) { item.related.push_back(FromJson(entry)); });
     Complete(item);
     return item;
 }

@@ -8,7 +8,7 @@
 
 namespace stand_ins {
 
-enum class ItemKind { Mail, Post };
+enum class ItemKind { Mail, Post, Task, TaskRequest };
 
 enum BodyFormat : long { Plain = 1, Html = 2, RichText = 3 };
 
@@ -54,6 +54,11 @@ struct ItemData {
     std::wstring messageClass = {}; ///< empty: that of the kind
     Properties properties = {};
     std::vector<std::pair<std::wstring, std::wstring>> headers = {}; ///< of the mail it came from, kept for delivery
+
+    std::wstring relatedId = {};     ///< of a task request: the EntryID of its task; empty: it has none
+    std::wstring subjectPrefix = {}; ///< of a task request: what its subject has before that of its task
+    std::vector<ItemData> related =
+        {}; ///< of a task request not yet opened: its task, which becomes an item of its own
 
     std::wstring entryId = {};       ///< empty until the first save
     double lastModificationTime = 0; ///< OLE date, local; 0 before the first save

@@ -6,6 +6,7 @@
 #include "stand-ins/outlook/Failure.h"
 #include "stand-ins/outlook/Item.h"
 #include "stand-ins/outlook/Session.h"
+#include "stand-ins/outlook/TaskRequest.h"
 
 namespace stand_ins {
 
@@ -13,6 +14,23 @@ namespace {
 
 FolderPath PathOf(const std::wstring& folder) {
     return folder.find(L'\\') == std::wstring::npos ? FolderPath(kDefaultStore) / folder : FolderPath(folder);
+}
+
+FolderPath HomeOf(const ItemData& item) {
+    return Store::DefaultFolderPath(item.kind == ItemKind::Task ? Tasks : Drafts);
+}
+
+// The item in memory; what it brings along is saved.
+std::shared_ptr<ItemRecord> MakeRecord(Session& session, ItemData item, FolderPath folder) {
+    item.entryId.clear();
+    const std::vector<ItemData> related = std::exchange(item.related, {});
+    const auto record = std::make_shared<ItemRecord>(std::move(item), std::move(folder));
+    if (!related.empty()) {
+        const auto task = MakeRecord(session, related[0], HomeOf(related[0]));
+        session.Save(task);
+        LinkToTask(*record, task);
+    }
+    return record;
 }
 
 } // namespace
@@ -46,8 +64,9 @@ DispatchPtr Outlook::Application() const {
 }
 
 DispatchPtr Outlook::NewItem(ItemData data) {
-    data.entryId.clear();
-    return session_->Show(std::make_shared<ItemRecord>(std::move(data), Store::DefaultFolderPath(Drafts)));
+    FolderPath folder = HomeOf(data);
+    const std::scoped_lock lock(session_->lock);
+    return session_->Show(MakeRecord(*session_, std::move(data), std::move(folder)));
 }
 
 DispatchPtr Outlook::NewMail(ItemData data) {
@@ -61,17 +80,23 @@ DispatchPtr Outlook::NewPost(ItemData data) {
 }
 
 DispatchPtr Outlook::SavedItem(ItemData data, const std::wstring& folder) {
-    data.entryId.clear();
-    const auto record = std::make_shared<ItemRecord>(std::move(data), PathOf(folder));
     const std::scoped_lock lock(session_->lock);
+    const auto record = MakeRecord(*session_, std::move(data), PathOf(folder));
     session_->Save(record);
     return session_->Show(record);
+}
+
+DispatchPtr Outlook::NewRequestFor(const DispatchPtr& task) {
+    return session_->Show(RequestFor(RecordOf(task)));
 }
 
 SendResult Outlook::Send(const DispatchPtr& item) {
     const auto record = RecordOf(item);
     if (!record) {
         throw std::invalid_argument("what is to be sent is no item of this Outlook");
+    }
+    if (record->data.kind == ItemKind::Task) {
+        return Send(NewRequestFor(item));
     }
     const std::scoped_lock lock(session_->lock);
     SendResult result;
@@ -80,6 +105,10 @@ SendResult Outlook::Send(const DispatchPtr& item) {
         record->CheckAlive();
         session_->OpenInspector(record);
         result.outcome = session_->Submit(record, item) ? SendResult::Outcome::Sent : SendResult::Outcome::Stopped;
+        // Whoever cancelled may have taken the item away or sent it himself.
+        if (result.outcome == SendResult::Outcome::Stopped && !record->dead) {
+            session_->Save(record);
+        }
         session_->LetWordClose();
     } catch (const Failure& failure) {
         result.error = failure.result;

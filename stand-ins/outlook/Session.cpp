@@ -8,6 +8,7 @@
 #include "stand-ins/outlook/Failure.h"
 #include "stand-ins/outlook/Inspector.h"
 #include "stand-ins/outlook/Item.h"
+#include "stand-ins/outlook/TaskRequest.h"
 
 namespace stand_ins {
 namespace {
@@ -162,11 +163,7 @@ void Session::Delete(const RecordPtr& record) {
 bool Session::Submit(const RecordPtr& record, IDispatch* item) {
     record->CheckAlive();
     const bool cancelled = RaiseItemSend(item, false);
-    // Whoever cancelled may have taken the item away or sent it himself.
     if (cancelled) {
-        if (!record->dead) {
-            Save(record);
-        }
         return false;
     }
     Deliver(record);
@@ -184,6 +181,7 @@ void Session::Deliver(const RecordPtr& record) {
     const Call submission{L"Transport.Submit", {}, GetCurrentThreadId()};
     calls.Add(submission);
     failures.Apply(submission);
+    TakeOverTask(*this, *record);
     ItemData sent = record->Snapshot();
     const std::wstring before = sent.entryId;
     sent.entryId = NewEntryId();
@@ -196,6 +194,12 @@ void Session::Deliver(const RecordPtr& record) {
     }
     record->data.sent = true;
     Leave_(record);
+}
+
+void Session::ReportCancelledSend() const {
+    if (FAILED(options.cancelledSendError)) {
+        throw Failure{options.cancelledSendError, L"The send was cancelled."};
+    }
 }
 
 void Session::Leave_(const RecordPtr& record) {

@@ -47,6 +47,8 @@ public:
     bool Submit(const RecordPtr& record, IDispatch* item);
     /// Sends without the event, as Extended MAPI does. Failure: why it could not.
     void Deliver(const RecordPtr& record);
+    /// Tells a program whose Send was cancelled what the options want.
+    void ReportCancelledSend() const;
 
     /// The object that shows a record, of the item's kind.
     DispatchPtr Show(const RecordPtr& record);
