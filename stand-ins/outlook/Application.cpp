@@ -1,5 +1,7 @@
 #include "stand-ins/outlook/Application.h"
 
+#include <map>
+
 #include "stand-ins/outlook/ConnectionPoint.h"
 #include "stand-ins/outlook/Explorer.h"
 #include "stand-ins/outlook/Failure.h"
@@ -20,14 +22,13 @@ DispatchPtr ActiveInspector(Application& self) {
     return inspectors.empty() ? DispatchPtr() : Make<Inspector>(self.SharedOwner(), inspectors.back());
 }
 
-DispatchPtr CreateItem(Application& self, long kind) {
-    constexpr long kMail = 0;
-    constexpr long kPost = 6;
-    if (kind != kMail && kind != kPost) {
+DispatchPtr CreateItem(Application& self, long number) {
+    const std::map<long, ItemKind> kinds = {{0, ItemKind::Mail}, {1, ItemKind::Appointment}, {6, ItemKind::Post}};
+    const auto kind = kinds.find(number);
+    if (kind == kinds.end()) {
         throw Failure{E_INVALIDARG, L"Items of this kind cannot be created."};
     }
-    return self.Owner().Show(std::make_shared<ItemRecord>(
-        ItemData{.kind = kind == kMail ? ItemKind::Mail : ItemKind::Post}, Store::DefaultFolderPath(Drafts)));
+    return self.Owner().Show(std::make_shared<ItemRecord>(ItemData{.kind = kind->second}, Store::HomeOf(kind->second)));
 }
 
 DispatchPtr MapiSession(Application& self) {

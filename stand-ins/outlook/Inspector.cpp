@@ -39,7 +39,11 @@ std::wstring Inspector::CaptionOf(const ItemData& item) {
     const wchar_t* format = item.bodyFormat == Html       ? L"HTML"
                             : item.bodyFormat == RichText ? L"Rich Text"
                                                           : L"Plain Text";
-    return (item.subject.empty() ? L"Untitled" : item.subject) + L" - Message (" + format + L") ";
+    const std::wstring subject = item.subject.empty() ? L"Untitled" : item.subject;
+    if (item.kind == ItemKind::Meeting || item.kind == ItemKind::Appointment) {
+        return subject + L" - Meeting ";
+    }
+    return subject + L" - Message (" + format + L") ";
 }
 
 } // namespace stand_ins

@@ -41,6 +41,20 @@ DispatchPtr MoveTo(Item& item, const DispatchPtr& target) {
     return session.Show(session.Move(item.Record(), folder->Path()));
 }
 
+const Class& ClassOfKind(ItemKind kind) {
+    switch (kind) {
+    case ItemKind::Post:
+        return PostItemClass();
+    case ItemKind::Meeting:
+        return MeetingItemClass();
+    case ItemKind::Appointment:
+        return AppointmentItemClass();
+    case ItemKind::Mail:
+        break;
+    }
+    return MailItemClass();
+}
+
 ClassOf<Item> BuildItemClass() {
     ClassOf<Item> members(L"Item", IID_NULL);
     members.Get(L"Application", [](Item& item) { return ObjectValue(item.Owner().Root()); })
@@ -102,7 +116,7 @@ void* Item::OwnInterface(REFIID interfaceId) {
 }
 
 DispatchPtr MakeItem(const std::shared_ptr<Session>& session, const std::shared_ptr<ItemRecord>& record) {
-    return Make<Item>(session, record, record->data.kind == ItemKind::Mail ? MailItemClass() : PostItemClass());
+    return Make<Item>(session, record, ClassOfKind(record->data.kind));
 }
 
 std::shared_ptr<ItemRecord> RecordOf(IDispatch* object) {

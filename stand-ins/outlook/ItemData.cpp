@@ -1,5 +1,6 @@
 #include "stand-ins/outlook/ItemData.h"
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
@@ -9,6 +10,21 @@ namespace stand_ins {
 namespace {
 
 using Json = nlohmann::json;
+
+struct Kind {
+    ItemKind kind;
+    const char* name;
+    const wchar_t* messageClass;
+};
+
+constexpr Kind kKinds[] = {{ItemKind::Mail, "mail", L"IPM.Note"},
+                           {ItemKind::Post, "post", L"IPM.Post"},
+                           {ItemKind::Meeting, "meeting", L"IPM.Schedule.Meeting.Request"},
+                           {ItemKind::Appointment, "appointment", L"IPM.Appointment"}};
+
+const Kind& KindOf(ItemKind kind) {
+    return *std::ranges::find(kKinds, kind, &Kind::kind);
+}
 
 // Reads the fields of one JSON object; failures name the way to the field, such as "attachments[2].content".
 class Reader {
@@ -159,10 +175,32 @@ AttachmentData ReadAttachment(const Reader& reader) {
 void ReadKind(const Reader& reader, ItemData& item) {
     std::wstring kind = L"mail";
     reader.Read("kind", kind);
-    if (kind != L"mail" && kind != L"post") {
-        reader.Refuse("kind", "neither \"mail\" nor \"post\"");
+    const auto found = std::ranges::find(kKinds, ToUtf8(kind), &Kind::name);
+    if (found == std::end(kKinds)) {
+        reader.Refuse("kind", "none of \"mail\", \"post\", \"meeting\" and \"appointment\"");
     }
-    item.kind = kind == L"mail" ? ItemKind::Mail : ItemKind::Post;
+    item.kind = found->kind;
+}
+
+void ReadMeeting(const Reader& reader, ItemData& item) {
+    reader.Read("start", item.start);
+    reader.Read("end", item.end);
+    reader.Read("location", item.location);
+    reader.Read("recurrenceState", item.recurrenceState);
+    if (item.recurrenceState < NotRecurring || item.recurrenceState > Exception) {
+        reader.Refuse("recurrenceState", "not 0 (none), 1 (series), 2 (occurrence) or 3 (exception)");
+    }
+    reader.Read("appointmentId", item.appointmentId);
+    reader.Read("linkBroken", item.linkBroken);
+}
+
+void WriteMeeting(const ItemData& item, Json& json) {
+    json["start"] = ToUtf8(item.start);
+    json["end"] = ToUtf8(item.end);
+    json["location"] = ToUtf8(item.location);
+    json["recurrenceState"] = item.recurrenceState;
+    json["appointmentId"] = ToUtf8(item.appointmentId);
+    json["linkBroken"] = item.linkBroken;
 }
 
 void ReadBodies(const Reader& reader, ItemData& item) {
@@ -185,7 +223,7 @@ void Complete(ItemData& item) {
         item.body = PlainTextOf(item.htmlBody);
     }
     if (item.messageClass.empty()) {
-        item.messageClass = item.kind == ItemKind::Mail ? L"IPM.Note" : L"IPM.Post";
+        item.messageClass = KindOf(item.kind).messageClass;
     }
     item.hasAccount = item.hasAccount || !item.account.empty();
     for (AttachmentData& attachment : item.attachments) {
@@ -196,7 +234,7 @@ void Complete(ItemData& item) {
 }
 
 nlohmann::json ToJson(const ItemData& item) {
-    Json json = {{"kind", item.kind == ItemKind::Mail ? "mail" : "post"},
+    Json json = {{"kind", KindOf(item.kind).name},
                  {"messageClass", ToUtf8(item.messageClass)},
                  {"subject", ToUtf8(item.subject)},
                  {"bodyFormat", item.bodyFormat},
@@ -214,6 +252,9 @@ nlohmann::json ToJson(const ItemData& item) {
                  {"recipients", Json::array()},
                  {"attachments", Json::array()},
                  {"headers", Json::array()}};
+    if (item.kind == ItemKind::Meeting || item.kind == ItemKind::Appointment) {
+        WriteMeeting(item, json);
+    }
     for (const RecipientData& recipient : item.recipients) {
         json["recipients"].push_back(ToJson(recipient));
     }
@@ -231,6 +272,7 @@ ItemData FromJson(const nlohmann::json& json) {
     ItemData item;
     ReadKind(reader, item);
     ReadBodies(reader, item);
+    ReadMeeting(reader, item);
     reader.Read("messageClass", item.messageClass);
     reader.Read("subject", item.subject);
     reader.Read("fromName", item.fromName);

@@ -29,6 +29,7 @@ public:
     std::vector<std::shared_ptr<RecipientData>> recipients;
     std::vector<std::shared_ptr<AttachmentData>> attachments;
     FolderPath folder;
+    std::wstring futureId = {}; ///< the EntryID that the first save gives, where somebody refers to it before
     bool dirty = true;
     bool dead = false;
 };

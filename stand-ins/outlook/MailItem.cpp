@@ -1,9 +1,6 @@
-#include "stand-ins/outlook/Account.h"
 #include "stand-ins/outlook/Failure.h"
 #include "stand-ins/outlook/Interfaces.h"
 #include "stand-ins/outlook/Item.h"
-#include "stand-ins/outlook/Recipients.h"
-#include "stand-ins/outlook/Session.h"
 
 namespace stand_ins {
 namespace {
@@ -19,17 +16,6 @@ std::wstring Names(const ItemRecord& record, long type) {
         }
     }
     return names;
-}
-
-_variant_t AccountOf(Item& item) {
-    const ItemData& data = item.Alive().data;
-    return ObjectValue(data.hasAccount ? Make<Account>(item.SharedOwner(), data.account) : DispatchPtr());
-}
-
-void SetAccount(Item& item, const DispatchPtr& account) {
-    ItemData& data = item.Changing().data;
-    data.hasAccount = account != nullptr;
-    data.account = account != nullptr ? GetText(account, L"SmtpAddress") : L"";
 }
 
 _variant_t RtfOf(Item& item) {
@@ -54,16 +40,8 @@ void SetRtf(Item& item, const _variant_t& value) {
     record.data.rtfBody.assign(static_cast<const char*>(value.parray->pvData), value.parray->rgsabound[0].cElements);
 }
 
-// A program's Send: the window closes, or everything stays as it is and the caller hears of it.
-void Send(Item& item) {
-    const HRESULT cancelled = item.Owner().options.cancelledSendError;
-    if (!item.Owner().Submit(item.Record(), &item) && FAILED(cancelled)) {
-        throw Failure{cancelled, L"The send was cancelled."};
-    }
-}
-
 ClassOf<Item> BuildMailItemClass() {
-    ClassOf<Item> members(L"MailItem", kMailItemId, &ItemClass());
+    ClassOf<Item> members(L"MailItem", kMailItemId, &OutgoingItemClass());
     members.Get(L"Class", [](Item&) { return _variant_t(kMailClass); })
         .Get(L"BodyFormat", [](Item& item) { return _variant_t(item.Alive().data.bodyFormat); })
         .Put(L"BodyFormat", [](Item& item, const Arguments& a) { item.Changing().SetBodyFormat(a.Number(0)); })
@@ -75,18 +53,9 @@ ClassOf<Item> BuildMailItemClass() {
         .Put(L"AutoForwarded", [](Item& item, const Arguments& a) { item.Changing().data.autoForwarded = a.Truth(0); })
         .Get(L"VotingResponse", [](Item& item) { return TextValue(item.Alive().data.votingResponse); })
         .Put(L"VotingResponse", [](Item& item, const Arguments& a) { item.Changing().data.votingResponse = a.Text(0); })
-        .Get(L"SendUsingAccount", AccountOf)
-        .Put(L"SendUsingAccount", [](Item& item, const Arguments& a) { SetAccount(item, a.Object(0)); })
-        .Get(L"Sent", [](Item& item) { return _variant_t(item.Alive().data.sent); })
         .Get(L"To", [](Item& item) { return TextValue(Names(item.Alive(), 1)); })
         .Get(L"CC", [](Item& item) { return TextValue(Names(item.Alive(), 2)); })
-        .Get(L"BCC", [](Item& item) { return TextValue(Names(item.Alive(), 3)); })
-        .Get(L"Recipients",
-             [](Item& item) {
-                 item.Alive();
-                 return ObjectValue(Make<Recipients>(item.SharedOwner(), item.Record()));
-             })
-        .Call(L"Send", 0, 0, [](Item& item, const Arguments&) { Send(item); });
+        .Get(L"BCC", [](Item& item) { return TextValue(Names(item.Alive(), 3)); });
     return members;
 }
 

@@ -46,7 +46,14 @@ DispatchPtr Outlook::Application() const {
 
 DispatchPtr Outlook::NewItem(ItemData data) {
     data.entryId.clear();
-    return session_->Show(std::make_shared<ItemRecord>(std::move(data), Store::DefaultFolderPath(Drafts)));
+    const ItemKind kind = data.kind;
+    const bool wantsAppointment = kind == ItemKind::Meeting && data.appointmentId.empty();
+    const auto record = std::make_shared<ItemRecord>(std::move(data), Store::HomeOf(kind));
+    if (wantsAppointment) {
+        const std::scoped_lock lock(session_->lock);
+        session_->AddToCalendar(record);
+    }
+    return session_->Show(record);
 }
 
 DispatchPtr Outlook::NewMail(ItemData data) {
@@ -78,7 +85,9 @@ SendResult Outlook::Send(const DispatchPtr& item) {
     try {
         record->CheckAlive();
         session_->OpenInspector(record);
-        result.outcome = session_->Submit(record, item) ? SendResult::Outcome::Sent : SendResult::Outcome::Stopped;
+        const bool left =
+            record->data.kind == ItemKind::Appointment ? session_->Invite(record) : session_->Submit(record, item);
+        result.outcome = left ? SendResult::Outcome::Sent : SendResult::Outcome::Stopped;
     } catch (const Failure& failure) {
         result.error = failure.result;
         result.reason = failure.words;
@@ -98,6 +107,10 @@ bool Outlook::RaiseItemSend(IDispatch* item, bool cancel) {
 
 void Outlook::AddStore(const std::wstring& name, const std::vector<std::wstring>& folders) {
     session_->store.AddStore(name, folders);
+}
+
+void Outlook::AddSharedCalendar(const std::wstring& person) {
+    session_->store.AddSharedCalendar(person);
 }
 
 std::vector<ItemData> Outlook::ItemsIn(const std::wstring& folder) const {

@@ -84,7 +84,7 @@ void Session::Save(const RecordPtr& record) {
     }
     ItemData item = record->Snapshot();
     if (item.entryId.empty()) {
-        item.entryId = NewEntryId();
+        item.entryId = record->futureId.empty() ? NewEntryId() : record->futureId;
     }
     item.lastModificationTime = std::max(Now(), std::nextafter(item.lastModificationTime, HUGE_VAL));
     for (AttachmentData& attachment : item.attachments) {
@@ -153,6 +153,11 @@ bool Session::Submit(const RecordPtr& record, IDispatch* item) {
         }
         return false;
     }
+    Transmit_(record);
+    return true;
+}
+
+void Session::Transmit_(const RecordPtr& record) {
     record->CheckAlive();
     if (record->recipients.empty()) {
         throw Failure{kNoRecipients, L"There must be at least one name or contact group in the To, Cc, or Bcc box."};
@@ -175,7 +180,6 @@ bool Session::Submit(const RecordPtr& record, IDispatch* item) {
     }
     record->data.sent = true;
     Leave_(record);
-    return true;
 }
 
 void Session::Leave_(const RecordPtr& record) {
