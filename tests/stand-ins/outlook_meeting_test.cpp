@@ -106,7 +106,7 @@ TEST_F(OutlookMeeting, LinkToADeletedAppointmentLeadsNowhereUntilOneIsAdded) {
     EXPECT_EQ(GetText(AppointmentOf(meeting), L"EntryID"), GetText(added, L"EntryID"));
 }
 
-TEST_F(OutlookMeeting, LinkOutlivesOutlook) {
+TEST_F(OutlookMeeting, LinkIsSavedWithTheMeeting) {
     std::wstring id;
     {
         const auto meeting = Meeting();
