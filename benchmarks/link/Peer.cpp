@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::wstring_view kDelimiter = L"###@@@###";
 constexpr wchar_t kDecision[] = L"<inspectionDecision result=\"1\"/>";
-constexpr std::size_t kReceiveChunk = 1 << 16;
+constexpr std::size_t kReceiveChunk = 1 << 22; // as much as is there, like the echo
 
 std::string Bytes_(std::wstring_view text) {
     return {reinterpret_cast<const char*>(text.data()), text.size() * sizeof(wchar_t)};

@@ -58,9 +58,14 @@ void XMLWriter::WriteNode(const XMLNode& node) {
     case XMLNode::EndElement:
         return Check_(writer_->WriteEndElement(), L"vorlek::XMLWriter::WriteNode", L"WriteEndElement failed with: ");
     case XMLNode::Text:
-        return Check_(writer_->WriteString(value), L"vorlek::XMLWriter::WriteNode", L"WriteString failed with: ");
+        return WriteText(node.GetValue());
     }
     Throw(L"vorlek::XMLWriter::WriteNode", L"Unsupported type: ", static_cast<std::int32_t>(node.GetType()));
+}
+
+void XMLWriter::WriteText(const std::wstring& text) {
+    const Lock lock(lock_);
+    Check_(writer_->WriteString(text.c_str()), L"vorlek::XMLWriter::WriteNode", L"WriteString failed with: ");
 }
 
 void XMLWriter::WriteAttribute(const std::wstring& name, const std::wstring& value) {

@@ -29,6 +29,8 @@ public:
 
     /// Also raises for a type that is none of XMLNode's; the document stays usable then.
     void WriteNode(const XMLNode& node);
+    /// What WriteNode does with a node of a text, without a copy of it in a node.
+    void WriteText(const std::wstring& text);
     /// Adds to the element just started.
     void WriteAttribute(const std::wstring& name, const std::wstring& value);
     /// Adds all pairs, in key order, with no other thread's attribute between them.

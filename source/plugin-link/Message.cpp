@@ -27,6 +27,8 @@ constexpr wchar_t kIntTag[] = L"int";
 constexpr wchar_t kStringTag[] = L"string";
 constexpr wchar_t kBytesTag[] = L"byte[]";
 
+constexpr std::size_t kMarkupSize = 128; ///< about what an entry takes beside its name and its value
+
 constexpr wchar_t kMask[] = L"*";
 constexpr std::uint32_t kMaskSize = 2;
 
@@ -45,7 +47,11 @@ void WriteValue_(XMLWriter& writer, const MessageValue& value, bool includeHidde
     writer.WriteAttribute(kType, value.type);
     writer.WriteAttribute(kSize, std::to_wstring(masked ? kMaskSize : value.size));
     writer.WriteAttribute(kHidden, value.hidden ? L"1" : L"0");
-    writer.WriteNode(XMLNode(XMLNode::Text, masked ? kMask : value.value));
+    if (masked) {
+        writer.WriteText(kMask);
+    } else {
+        writer.WriteText(value.value);
+    }
     writer.WriteNode(XMLNode(XMLNode::EndElement, kKey));
 }
 
@@ -150,7 +156,14 @@ std::wstring Message::ToStringInternal(bool includeHidden) const {
 }
 
 std::wstring Message::Write_(bool includeHidden) const {
-    std::wstringstream stream;
+    // What is escaped makes the text longer; for most an eighth is enough, and no other text is copied while it grows.
+    std::size_t size = kMarkupSize;
+    for (const auto& [name, value] : values_) {
+        size += kMarkupSize + name.size() + value.value.size() + value.value.size() / 8;
+    }
+    std::wstring text;
+    text.reserve(size);
+    std::wstringstream stream(std::move(text));
     XMLWriter writer(stream, XMLWriter::NoByteOrderMark);
     writer.StartDocument();
     writer.WriteNode(XMLNode(XMLNode::StartElement, kRoot));

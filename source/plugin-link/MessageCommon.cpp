@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <span>
 #include <string_view>
 #include <utility>
 
@@ -20,21 +21,36 @@ constexpr std::size_t kReceiveChunk = 4096;
 
 LoggerHolder logger_;
 
-std::vector<BYTE> ToBytes_(std::wstring_view text) {
-    const auto* bytes = reinterpret_cast<const BYTE*>(text.data());
-    return {bytes, bytes + text.size() * sizeof(wchar_t)};
+/// The text as it travels. Windows keeps the low byte of a character first, so the bytes are those in memory.
+std::span<const BYTE> ToBytes_(const std::wstring& text) {
+    return {reinterpret_cast<const BYTE*>(text.data()), text.size() * sizeof(wchar_t)};
+}
+
+/// The first delimiter from a place on, npos if there is none. A delimiter covers one of nine characters in a row, so
+/// only each ninth is looked at: a long text is passed through with every message.
+std::size_t FindDelimiter_(std::wstring_view text, std::size_t from) {
+    constexpr std::size_t before = kDelimiter.size() - 1;
+    for (std::size_t at = from + before; at < text.size(); at += kDelimiter.size()) {
+        if (text[at] == L'#' || text[at] == L'@') {
+            const std::size_t found = text.substr(at - before, kDelimiter.size() + before).find(kDelimiter);
+            if (found != text.npos) {
+                return at - before + found;
+            }
+        }
+    }
+    return text.npos;
 }
 
 /// A delimiter inside a value would end the message there, and with it the inspection: the writer of a mail could
 /// switch it off. Written with a character reference it is the same value to every reader of XML.
 std::wstring HideDelimiters_(std::wstring text) {
-    std::size_t at = text.find(kDelimiter);
+    std::size_t at = FindDelimiter_(text, 0);
     if (at == std::wstring::npos) {
         return text;
     }
     std::wstring hidden;
     std::size_t copied = 0;
-    for (; at != std::wstring::npos; at = text.find(kDelimiter, at + 1)) {
+    for (; at != std::wstring::npos; at = FindDelimiter_(text, at + 1)) {
         hidden.append(text, copied, at - copied).append(kHash);
         copied = at + 1;
     }
@@ -77,16 +93,16 @@ std::wstring Piece_(std::wstring& text, std::size_t begin, std::size_t end) {
 void Send(const Socket& socket, const Message& message) {
     InitLogger(logger_, __FILE__, true);
     LOG_TRACE(logger_, L"Sending to: " << socket.Get() << L", message: " << message.ToLogString());
-    // The text is gone before the bytes are sent, which lasts as long as the peer takes to read them.
-    const std::vector<BYTE> bytes = ToBytes_(HideDelimiters_(message.ToString()).append(kDelimiter));
-    TCPCommon::Send(socket, bytes);
+    std::wstring text = HideDelimiters_(message.ToString());
+    text += kDelimiter;
+    TCPCommon::Send(socket, ToBytes_(text));
 }
 
 void Receive(const Socket& socket, std::vector<std::unique_ptr<Message>>& messages) {
     InitLogger(logger_, __FILE__, true);
     std::wstring text = ReceiveText_(socket);
     for (std::size_t begin = 0, end = 0; begin < text.size(); begin = end + kDelimiter.size()) {
-        end = std::min(text.find(kDelimiter, begin), text.size());
+        end = std::min(FindDelimiter_(text, begin), text.size());
         if (end != begin) {
             std::wstring piece = Piece_(text, begin, end);
             LOG_TRACE(logger_, L"Received from: " << socket.Get() << L", message: " << piece);

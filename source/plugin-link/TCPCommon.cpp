@@ -12,7 +12,7 @@ bool IsBrokenConnection_(int error) {
 
 } // namespace
 
-int Send(const Socket& socket, const std::vector<BYTE>& data) {
+int Send(const Socket& socket, std::span<const BYTE> data) {
     if (!socket.IsValid() || data.empty()) {
         Throw(L"vorlek::TCPCommon::Send", L"Invalid parameter!");
     }

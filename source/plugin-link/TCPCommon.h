@@ -1,4 +1,5 @@
 #pragma once
+#include <span>
 #include <vector>
 
 #include "platform/Windows.h"
@@ -9,7 +10,7 @@ namespace vorlek::TCPCommon {
 
 /// Sends the bytes; returns how many went. Throws ConnectionTerminatedException if the connection
 /// broke, Exception for any other failure, an invalid socket or no bytes.
-int Send(const Socket& socket, const std::vector<BYTE>& data);
+int Send(const Socket& socket, std::span<const BYTE> data);
 
 /// Reads at most as many bytes as the vector holds, and shrinks it to what came. Throws as Send; a
 /// peer that closed counts as a broken connection.

@@ -23,7 +23,8 @@ DispatchPtr ActiveInspector(Application& self) {
 }
 
 DispatchPtr CreateItem(Application& self, long number) {
-    const std::map<long, ItemKind> kinds = {{0, ItemKind::Mail}, {1, ItemKind::Appointment}, {6, ItemKind::Post}};
+    const std::map<long, ItemKind> kinds = {
+        {0, ItemKind::Mail}, {1, ItemKind::Appointment}, {3, ItemKind::Task}, {6, ItemKind::Post}};
     const auto kind = kinds.find(number);
     if (kind == kinds.end()) {
         throw Failure{E_INVALIDARG, L"Items of this kind cannot be created."};

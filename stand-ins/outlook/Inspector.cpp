@@ -36,13 +36,16 @@ Inspector::Inspector(std::shared_ptr<Session> session, std::shared_ptr<ItemRecor
     : Object(std::move(session), InspectorClass()), record_(std::move(record)) {}
 
 std::wstring Inspector::CaptionOf(const ItemData& item) {
+    const std::wstring subject = item.subject.empty() ? L"Untitled" : item.subject;
+    if (item.kind == ItemKind::Task || item.kind == ItemKind::TaskRequest) {
+        return subject + L" - Task";
+    }
+    if (item.kind == ItemKind::Meeting || item.kind == ItemKind::Appointment) {
+        return subject + L" - Meeting";
+    }
     const wchar_t* format = item.bodyFormat == Html       ? L"HTML"
                             : item.bodyFormat == RichText ? L"Rich Text"
                                                           : L"Plain Text";
-    const std::wstring subject = item.subject.empty() ? L"Untitled" : item.subject;
-    if (item.kind == ItemKind::Meeting || item.kind == ItemKind::Appointment) {
-        return subject + L" - Meeting ";
-    }
     return subject + L" - Message (" + format + L") ";
 }
 

@@ -41,20 +41,6 @@ DispatchPtr MoveTo(Item& item, const DispatchPtr& target) {
     return session.Show(session.Move(item.Record(), folder->Path()));
 }
 
-const Class& ClassOfKind(ItemKind kind) {
-    switch (kind) {
-    case ItemKind::Post:
-        return PostItemClass();
-    case ItemKind::Meeting:
-        return MeetingItemClass();
-    case ItemKind::Appointment:
-        return AppointmentItemClass();
-    case ItemKind::Mail:
-        break;
-    }
-    return MailItemClass();
-}
-
 ClassOf<Item> BuildItemClass() {
     ClassOf<Item> members(L"Item", IID_NULL);
     members.Get(L"Application", [](Item& item) { return ObjectValue(item.Owner().Root()); })
@@ -103,6 +89,23 @@ ClassOf<Item> BuildItemClass() {
         .Call(L"Move", 1, 1, [](Item& item, const Arguments& a) { return ObjectValue(MoveTo(item, a.Object(0))); })
         .Call(L"Delete", 0, 0, [](Item& item, const Arguments&) { item.Owner().Delete(item.Record()); });
     return members;
+}
+
+const Class& ClassOfKind(ItemKind kind) {
+    switch (kind) {
+    case ItemKind::Post:
+        return PostItemClass();
+    case ItemKind::Meeting:
+        return MeetingItemClass();
+    case ItemKind::Appointment:
+        return AppointmentItemClass();
+    case ItemKind::Task:
+        return TaskItemClass();
+    case ItemKind::TaskRequest:
+        return TaskRequestItemClass();
+    default:
+        return MailItemClass();
+    }
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "stand-ins/outlook/ItemData.h"
 
 #include <algorithm>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
@@ -11,19 +12,23 @@ namespace {
 
 using Json = nlohmann::json;
 
-struct Kind {
+struct KindNames {
     ItemKind kind;
     const char* name;
-    const wchar_t* messageClass;
+    const wchar_t* messageClass; ///< unless the item says another
 };
 
-constexpr Kind kKinds[] = {{ItemKind::Mail, "mail", L"IPM.Note"},
-                           {ItemKind::Post, "post", L"IPM.Post"},
-                           {ItemKind::Meeting, "meeting", L"IPM.Schedule.Meeting.Request"},
-                           {ItemKind::Appointment, "appointment", L"IPM.Appointment"}};
+constexpr KindNames kKinds[] = {
+    {ItemKind::Mail, "mail", L"IPM.Note"},
+    {ItemKind::Post, "post", L"IPM.Post"},
+    {ItemKind::Meeting, "meeting", L"IPM.Schedule.Meeting.Request"},
+    {ItemKind::Appointment, "appointment", L"IPM.Appointment"},
+    {ItemKind::Task, "task", L"IPM.Task"},
+    {ItemKind::TaskRequest, "taskRequest", L"IPM.TaskRequest"},
+};
 
-const Kind& KindOf(ItemKind kind) {
-    return *std::ranges::find(kKinds, kind, &Kind::kind);
+const KindNames& NamesOf(ItemKind kind) {
+    return *std::ranges::find(kKinds, kind, &KindNames::kind);
 }
 
 // Reads the fields of one JSON object; failures name the way to the field, such as "attachments[2].content".
@@ -175,11 +180,15 @@ AttachmentData ReadAttachment(const Reader& reader) {
 void ReadKind(const Reader& reader, ItemData& item) {
     std::wstring kind = L"mail";
     reader.Read("kind", kind);
-    const auto found = std::ranges::find(kKinds, ToUtf8(kind), &Kind::name);
-    if (found == std::end(kKinds)) {
-        reader.Refuse("kind", "none of \"mail\", \"post\", \"meeting\" and \"appointment\"");
+    const auto* const known = std::ranges::find(kKinds, ToUtf8(kind), &KindNames::name);
+    if (known == std::end(kKinds)) {
+        std::string names;
+        for (const KindNames& each : kKinds) {
+            names += (names.empty() ? "\"" : ", \"") + std::string(each.name) + '"';
+        }
+        reader.Refuse("kind", "none of " + names);
     }
-    item.kind = found->kind;
+    item.kind = known->kind;
 }
 
 void ReadMeeting(const Reader& reader, ItemData& item) {
@@ -190,7 +199,6 @@ void ReadMeeting(const Reader& reader, ItemData& item) {
     if (item.recurrenceState < NotRecurring || item.recurrenceState > Exception) {
         reader.Refuse("recurrenceState", "not 0 (none), 1 (series), 2 (occurrence) or 3 (exception)");
     }
-    reader.Read("appointmentId", item.appointmentId);
     reader.Read("linkBroken", item.linkBroken);
 }
 
@@ -199,7 +207,6 @@ void WriteMeeting(const ItemData& item, Json& json) {
     json["end"] = ToUtf8(item.end);
     json["location"] = ToUtf8(item.location);
     json["recurrenceState"] = item.recurrenceState;
-    json["appointmentId"] = ToUtf8(item.appointmentId);
     json["linkBroken"] = item.linkBroken;
 }
 
@@ -223,7 +230,7 @@ void Complete(ItemData& item) {
         item.body = PlainTextOf(item.htmlBody);
     }
     if (item.messageClass.empty()) {
-        item.messageClass = KindOf(item.kind).messageClass;
+        item.messageClass = NamesOf(item.kind).messageClass;
     }
     item.hasAccount = item.hasAccount || !item.account.empty();
     for (AttachmentData& attachment : item.attachments) {
@@ -234,7 +241,7 @@ void Complete(ItemData& item) {
 }
 
 nlohmann::json ToJson(const ItemData& item) {
-    Json json = {{"kind", KindOf(item.kind).name},
+    Json json = {{"kind", NamesOf(item.kind).name},
                  {"messageClass", ToUtf8(item.messageClass)},
                  {"subject", ToUtf8(item.subject)},
                  {"bodyFormat", item.bodyFormat},
@@ -252,9 +259,6 @@ nlohmann::json ToJson(const ItemData& item) {
                  {"recipients", Json::array()},
                  {"attachments", Json::array()},
                  {"headers", Json::array()}};
-    if (item.kind == ItemKind::Meeting || item.kind == ItemKind::Appointment) {
-        WriteMeeting(item, json);
-    }
     for (const RecipientData& recipient : item.recipients) {
         json["recipients"].push_back(ToJson(recipient));
     }
@@ -263,6 +267,16 @@ nlohmann::json ToJson(const ItemData& item) {
     }
     for (const auto& [name, value] : item.headers) {
         json["headers"].push_back({ToUtf8(name), ToUtf8(value)});
+    }
+    if (item.kind == ItemKind::Meeting || item.kind == ItemKind::Appointment) {
+        WriteMeeting(item, json);
+    }
+    if (!item.relatedId.empty()) {
+        json["relatedId"] = ToUtf8(item.relatedId);
+        json["subjectPrefix"] = ToUtf8(item.subjectPrefix);
+    }
+    for (const ItemData& related : item.related) {
+        json["related"].push_back(ToJson(related));
     }
     return json;
 }
@@ -281,6 +295,8 @@ ItemData FromJson(const nlohmann::json& json) {
     reader.Read("autoForwarded", item.autoForwarded);
     reader.Read("votingResponse", item.votingResponse);
     reader.Read("properties", item.properties);
+    reader.Read("relatedId", item.relatedId);
+    reader.Read("subjectPrefix", item.subjectPrefix);
     reader.Read("entryId", item.entryId);
     reader.Read("lastModificationTime", item.lastModificationTime);
     reader.Read("sent", item.sent);
@@ -296,6 +312,7 @@ ItemData FromJson(const nlohmann::json& json) {
         }
         item.headers.emplace_back(FromUtf8(entry[0].get<std::string>()), FromUtf8(entry[1].get<std::string>()));
     });
+    reader.ReadEach("related", [&](const Json& entry, const std::string&) { item.related.push_back(FromJson(entry)); });
     Complete(item);
     return item;
 }

@@ -10,7 +10,7 @@ namespace stand_ins {
 
 /// A meeting is what travels between people: a request, a response, a cancellation, a forwarded request, told apart by
 /// the message class. An appointment is what stands in a calendar.
-enum class ItemKind { Mail, Post, Meeting, Appointment };
+enum class ItemKind { Mail, Post, Meeting, Appointment, Task, TaskRequest };
 
 /// Of an appointment: not recurring, the series itself, one of it, one of it that differs from the rest.
 enum RecurrenceState : long { NotRecurring = 0, Master = 1, Occurrence = 2, Exception = 3 };
@@ -57,14 +57,19 @@ struct ItemData {
     bool autoForwarded = false;
     std::wstring votingResponse = {};
     std::wstring messageClass = {}; ///< empty: that of the kind
-    std::wstring start = {};        ///< of a meeting or appointment, in its own time zone: 2026-11-30T10:00
+    Properties properties = {};
+    std::vector<std::pair<std::wstring, std::wstring>> headers = {}; ///< of the mail it came from, kept for delivery
+
+    std::wstring start = {}; ///< of a meeting or appointment, in its own time zone: 2026-11-30T10:00
     std::wstring end = {};
     std::wstring location = {};
     long recurrenceState = NotRecurring; ///< of an appointment
-    std::wstring appointmentId = {};     ///< of a meeting: EntryID of its appointment, which may be in any store
     bool linkBroken = false;             ///< of a meeting: Outlook does not find the appointment by itself
-    Properties properties = {};
-    std::vector<std::pair<std::wstring, std::wstring>> headers = {}; ///< of the mail it came from, kept for delivery
+
+    std::wstring relatedId = {};     ///< EntryID of a task request's task or a meeting's appointment; empty: none
+    std::wstring subjectPrefix = {}; ///< of a task request: what its subject has before that of its task
+    std::vector<ItemData> related =
+        {}; ///< of an item not yet opened: the task or appointment, which becomes an item of its own
 
     std::wstring entryId = {};       ///< empty until the first save
     double lastModificationTime = 0; ///< OLE date, local; 0 before the first save

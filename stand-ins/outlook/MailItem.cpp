@@ -41,7 +41,7 @@ void SetRtf(Item& item, const _variant_t& value) {
 }
 
 ClassOf<Item> BuildMailItemClass() {
-    ClassOf<Item> members(L"MailItem", kMailItemId, &OutgoingItemClass());
+    ClassOf<Item> members(L"MailItem", kMailItemId, &SentItemClass());
     members.Get(L"Class", [](Item&) { return _variant_t(kMailClass); })
         .Get(L"BodyFormat", [](Item& item) { return _variant_t(item.Alive().data.bodyFormat); })
         .Put(L"BodyFormat", [](Item& item, const Arguments& a) { item.Changing().SetBodyFormat(a.Number(0)); })
@@ -53,9 +53,11 @@ ClassOf<Item> BuildMailItemClass() {
         .Put(L"AutoForwarded", [](Item& item, const Arguments& a) { item.Changing().data.autoForwarded = a.Truth(0); })
         .Get(L"VotingResponse", [](Item& item) { return TextValue(item.Alive().data.votingResponse); })
         .Put(L"VotingResponse", [](Item& item, const Arguments& a) { item.Changing().data.votingResponse = a.Text(0); })
+        .Get(L"Sent", [](Item& item) { return _variant_t(item.Alive().data.sent); })
         .Get(L"To", [](Item& item) { return TextValue(Names(item.Alive(), 1)); })
         .Get(L"CC", [](Item& item) { return TextValue(Names(item.Alive(), 2)); })
-        .Get(L"BCC", [](Item& item) { return TextValue(Names(item.Alive(), 3)); });
+        .Get(L"BCC", [](Item& item) { return TextValue(Names(item.Alive(), 3)); })
+        .Call(L"Send", 0, 0, [](Item& item, const Arguments&) { SendByProgram(item); });
     return members;
 }
 

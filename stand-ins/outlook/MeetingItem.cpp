@@ -1,6 +1,7 @@
 #include <string_view>
 
 #include "stand-ins/outlook/Interfaces.h"
+#include "stand-ins/outlook/Invitation.h"
 #include "stand-ins/outlook/Item.h"
 #include "stand-ins/outlook/Session.h"
 
@@ -28,22 +29,23 @@ long ClassNumber(std::wstring_view messageClass) {
 
 DispatchPtr AssociatedAppointment(Item& item, bool addToCalendar) {
     Session& session = item.Owner();
-    const auto appointment = session.AppointmentOf(item.Alive());
-    if (appointment) {
+    if (const auto appointment = AppointmentOf(session, item.Alive())) {
         return session.Show(appointment);
     }
     if (!addToCalendar) {
         return {};
     }
     item.Changing().data.linkBroken = false;
-    return session.Show(session.AddToCalendar(item.Record()));
+    return session.Show(AddToCalendar(session, item.Alive()));
 }
 
 ClassOf<Item> BuildMeetingItemClass() {
-    ClassOf<Item> members(L"MeetingItem", kMeetingItemId, &OutgoingItemClass());
+    ClassOf<Item> members(L"MeetingItem", kMeetingItemId, &SentItemClass());
     members.Get(L"Class", [](Item& item) { return _variant_t(ClassNumber(item.Alive().data.messageClass)); })
+        .Get(L"Sent", [](Item& item) { return _variant_t(item.Alive().data.sent); })
         .Call(L"GetAssociatedAppointment", 1, 1,
-              [](Item& item, const Arguments& a) { return ObjectValue(AssociatedAppointment(item, a.Truth(0))); });
+              [](Item& item, const Arguments& a) { return ObjectValue(AssociatedAppointment(item, a.Truth(0))); })
+        .Call(L"Send", 0, 0, [](Item& item, const Arguments&) { SendByProgram(item); });
     return members;
 }
 

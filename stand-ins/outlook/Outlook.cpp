@@ -4,8 +4,10 @@
 #include <stdexcept>
 
 #include "stand-ins/outlook/Failure.h"
+#include "stand-ins/outlook/Invitation.h"
 #include "stand-ins/outlook/Item.h"
 #include "stand-ins/outlook/Session.h"
+#include "stand-ins/outlook/TaskRequest.h"
 
 namespace stand_ins {
 
@@ -13,6 +15,24 @@ namespace {
 
 FolderPath PathOf(const std::wstring& folder) {
     return folder.find(L'\\') == std::wstring::npos ? FolderPath(kDefaultStore) / folder : FolderPath(folder);
+}
+
+// The item in memory; what it brings along is saved.
+std::shared_ptr<ItemRecord> MakeRecord(Session& session, ItemData item, FolderPath folder) {
+    item.entryId.clear();
+    const std::vector<ItemData> related = std::exchange(item.related, {});
+    const auto record = std::make_shared<ItemRecord>(std::move(item), std::move(folder));
+    if (!related.empty()) {
+        const auto other = MakeRecord(session, related[0], Store::HomeOf(related[0].kind));
+        session.Save(other);
+        if (record->data.kind == ItemKind::TaskRequest) {
+            LinkToTask(*record, other);
+        }
+        record->related = other;
+    } else if (record->data.kind == ItemKind::Meeting && record->data.relatedId.empty()) {
+        AddToCalendar(session, *record);
+    }
+    return record;
 }
 
 } // namespace
@@ -45,15 +65,9 @@ DispatchPtr Outlook::Application() const {
 }
 
 DispatchPtr Outlook::NewItem(ItemData data) {
-    data.entryId.clear();
-    const ItemKind kind = data.kind;
-    const bool wantsAppointment = kind == ItemKind::Meeting && data.appointmentId.empty();
-    const auto record = std::make_shared<ItemRecord>(std::move(data), Store::HomeOf(kind));
-    if (wantsAppointment) {
-        const std::scoped_lock lock(session_->lock);
-        session_->AddToCalendar(record);
-    }
-    return session_->Show(record);
+    FolderPath folder = Store::HomeOf(data.kind);
+    const std::scoped_lock lock(session_->lock);
+    return session_->Show(MakeRecord(*session_, std::move(data), std::move(folder)));
 }
 
 DispatchPtr Outlook::NewMail(ItemData data) {
@@ -67,17 +81,23 @@ DispatchPtr Outlook::NewPost(ItemData data) {
 }
 
 DispatchPtr Outlook::SavedItem(ItemData data, const std::wstring& folder) {
-    data.entryId.clear();
-    const auto record = std::make_shared<ItemRecord>(std::move(data), PathOf(folder));
     const std::scoped_lock lock(session_->lock);
+    const auto record = MakeRecord(*session_, std::move(data), PathOf(folder));
     session_->Save(record);
     return session_->Show(record);
+}
+
+DispatchPtr Outlook::NewRequestFor(const DispatchPtr& task) {
+    return session_->Show(RequestFor(RecordOf(task)));
 }
 
 SendResult Outlook::Send(const DispatchPtr& item) {
     const auto record = RecordOf(item);
     if (!record) {
         throw std::invalid_argument("what is to be sent is no item of this Outlook");
+    }
+    if (record->data.kind == ItemKind::Task) {
+        return Send(NewRequestFor(item));
     }
     const std::scoped_lock lock(session_->lock);
     SendResult result;
@@ -86,8 +106,12 @@ SendResult Outlook::Send(const DispatchPtr& item) {
         record->CheckAlive();
         session_->OpenInspector(record);
         const bool left =
-            record->data.kind == ItemKind::Appointment ? session_->Invite(record) : session_->Submit(record, item);
+            record->data.kind == ItemKind::Appointment ? Invite(*session_, record) : session_->Submit(record, item);
         result.outcome = left ? SendResult::Outcome::Sent : SendResult::Outcome::Stopped;
+        // Whoever cancelled may have taken the item away or sent it himself.
+        if (result.outcome == SendResult::Outcome::Stopped && !record->dead) {
+            session_->Save(record);
+        }
     } catch (const Failure& failure) {
         result.error = failure.result;
         result.reason = failure.words;

@@ -47,17 +47,20 @@ public:
 
     /// The Application object.
     DispatchPtr Application() const;
-    /// A new item, not saved: its EntryID is empty and no inspector shows it. A meeting that names no appointment gets
-    /// one, saved in the calendar.
+    /// A new item, not saved: its EntryID is empty and no inspector shows it. The task or appointment that an item
+    /// brings along is saved where its kind stands; a meeting that neither brings nor names an appointment gets one.
     DispatchPtr NewItem(ItemData data);
     DispatchPtr NewMail(ItemData data);
     DispatchPtr NewPost(ItemData data);
+    /// The request that a send of an assigned task makes, not sent and not saved.
+    DispatchPtr NewRequestFor(const DispatchPtr& task);
     /// An item saved in a folder of the default store, by the folder's name.
     DispatchPtr SavedItem(ItemData data, const std::wstring& folder = L"Drafts");
 
     /// The user opens the item and presses Send: ItemSend is raised, Cancel obeyed. A stopped item is saved and stays
-    /// on the screen, unless somebody closed it meanwhile. An appointment sends its invitation. Failure:
-    /// std::invalid_argument for what is no item.
+    /// on the screen, unless somebody closed it meanwhile. Of a task what is sent, and stays, is a new request;
+    /// of an appointment it is an invitation, which does not stay.
+    /// Failure: std::invalid_argument for what is no item.
     SendResult Send(const DispatchPtr& item);
     /// Raises ItemSend alone, with any object or none; the result is Cancel.
     bool RaiseItemSend(IDispatch* item, bool cancel = false);

@@ -8,6 +8,7 @@
 #include "stand-ins/outlook/Failure.h"
 #include "stand-ins/outlook/Inspector.h"
 #include "stand-ins/outlook/Item.h"
+#include "stand-ins/outlook/TaskRequest.h"
 
 namespace stand_ins {
 namespace {
@@ -146,18 +147,9 @@ void Session::Delete(const RecordPtr& record) {
 bool Session::Submit(const RecordPtr& record, IDispatch* item) {
     record->CheckAlive();
     const bool cancelled = RaiseItemSend(item, false);
-    // Whoever cancelled may have taken the item away or sent it himself.
     if (cancelled) {
-        if (!record->dead) {
-            Save(record);
-        }
         return false;
     }
-    Transmit_(record);
-    return true;
-}
-
-void Session::Transmit_(const RecordPtr& record) {
     record->CheckAlive();
     if (record->recipients.empty()) {
         throw Failure{kNoRecipients, L"There must be at least one name or contact group in the To, Cc, or Bcc box."};
@@ -168,6 +160,7 @@ void Session::Transmit_(const RecordPtr& record) {
     const Call submission{L"Transport.Submit", {}, GetCurrentThreadId()};
     calls.Add(submission);
     failures.Apply(submission);
+    TakeOverTask(*this, *record);
     ItemData sent = record->Snapshot();
     const std::wstring before = sent.entryId;
     sent.entryId = NewEntryId();
@@ -180,6 +173,13 @@ void Session::Transmit_(const RecordPtr& record) {
     }
     record->data.sent = true;
     Leave_(record);
+    return true;
+}
+
+void Session::ReportCancelledSend() const {
+    if (FAILED(options.cancelledSendError)) {
+        throw Failure{options.cancelledSendError, L"The send was cancelled."};
+    }
 }
 
 void Session::Leave_(const RecordPtr& record) {

@@ -41,14 +41,8 @@ public:
     void Delete(const RecordPtr& record);
     /// Raises ItemSend and, unless it is cancelled, sends: whether the item left. Failure: why it could not.
     bool Submit(const RecordPtr& record, IDispatch* item);
-    /// Sends an appointment's invitation: a new meeting item, which raises ItemSend and leaves, or goes again when that
-    /// is cancelled, unless somebody saved it. The appointment is saved either way. Result and failure as above.
-    bool Invite(const RecordPtr& appointment);
-
-    /// The appointment that a meeting item is about; null when it has none or the link is broken.
-    RecordPtr AppointmentOf(const ItemRecord& meeting);
-    /// A new appointment in the calendar, made from what a meeting item says; the two are linked.
-    RecordPtr AddToCalendar(const RecordPtr& meeting);
+    /// Tells a program whose Send was cancelled what the options want.
+    void ReportCancelledSend() const;
 
     /// The object that shows a record, of the item's kind.
     DispatchPtr Show(const RecordPtr& record);
@@ -80,9 +74,6 @@ private:
     };
 
     void Remember_(const RecordPtr& record);
-    /// The EntryID that the record has, or will have.
-    std::wstring IdOf_(const RecordPtr& record);
-    void Transmit_(const RecordPtr& record);
     void Leave_(const RecordPtr& record);
 
     const DWORD thread_;

@@ -122,7 +122,14 @@ FolderPath Store::DefaultFolderPath(long number) {
 }
 
 FolderPath Store::HomeOf(ItemKind kind) {
-    return DefaultFolderPath(kind == ItemKind::Appointment ? Calendar : Drafts);
+    switch (kind) {
+    case ItemKind::Appointment:
+        return DefaultFolderPath(Calendar);
+    case ItemKind::Task:
+        return DefaultFolderPath(Tasks);
+    default:
+        return DefaultFolderPath(Drafts);
+    }
 }
 
 void Store::AddStore(const std::wstring& name, const std::vector<std::wstring>& folders) const {

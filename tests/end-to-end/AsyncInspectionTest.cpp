@@ -23,6 +23,11 @@ const Json kBlock = {{"rules", {{{"name", "all"}, {"then", {{"block", true}}}}}}
 
 constexpr const wchar_t* kUnsentText = L"One message or more could not be sent.\nPlease check your Drafts folder";
 constexpr const wchar_t* kModifiedText = L"The mail item was modified during inspection and was not sent.";
+#ifdef _GLIBCXX_ASSERTIONS // its heap takes pages of their own for each block, and the system has so many
+constexpr int kMails = 60;
+#else
+constexpr int kMails = 200;
+#endif
 constexpr const char* kFinished = "INFO Finished Async inspection successfully.";
 
 class AsyncInspection : public Desk {
@@ -235,8 +240,7 @@ TEST_F(AsyncInspection, SecondMailMayFinishBeforeTheFirst) {
     EXPECT_EQ(Delivered().at(1)["subject"], "The first");
 }
 
-TEST_F(AsyncInspection, TwoHundredMailsAtOnceLeaveEachOnceAndNothingStaysBehind) {
-    constexpr int kMails = 200;
+TEST_F(AsyncInspection, ManyMailsAtOnceLeaveEachOnceAndNothingStaysBehind) {
     StartAgent({{"rules", {{{"name", "all"}, {"then", {{"delay", "2s"}}}}}}});
     std::vector<std::filesystem::path> items;
     for (int i = 0; i < kMails; ++i) {
@@ -267,7 +271,7 @@ TEST_F(AsyncInspection, TwoHundredMailsAtOnceLeaveEachOnceAndNothingStaysBehind)
     }
     ASSERT_THAT(figures, SizeIs(2));
     auto& before = figures["1"];
-    auto& after = figures["200"];
+    auto& after = figures[std::to_string(kMails)];
     EXPECT_EQ(after["objects"], before["objects"]);
     EXPECT_EQ(after["threads"], before["threads"]);
     EXPECT_LT(after["handles"], before["handles"] + kMails / 10);

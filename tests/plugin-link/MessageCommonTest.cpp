@@ -79,6 +79,20 @@ TEST(MessageCommon, ADelimiterInsideAValueDoesNotEndTheMessage) {
     }
 }
 
+TEST(MessageCommon, ADelimiterIsHiddenAtEachPlaceOfAText) {
+    for (std::size_t place = 0; place < 2 * kDelimiter.size(); ++place) {
+        SocketPair pair;
+        Message sent(MessageType::Response, 1);
+        sent.Set(L"Result", std::wstring(place, L'x') + kDelimiter, false);
+        MessageCommon::Send(pair.far_, sent);
+        pair.far_ = INVALID_SOCKET;
+        const std::string bytes = ReadAll(pair.near_.Get());
+        EXPECT_NE(bytes.find(Bytes(L"x>" + std::wstring(place, L'x') + L"&#35;##@@@###<").substr(4)), bytes.npos)
+            << place;
+        EXPECT_EQ(bytes.find(Bytes(kDelimiter)), bytes.size() - Bytes(kDelimiter).size()) << place;
+    }
+}
+
 TEST(MessageCommon, SendsAMessageInOneCall) {
     SocketPair pair;
     const SystemCalls calls;
@@ -111,6 +125,15 @@ TEST(MessageCommon, LogsWhatItReceivesAsItCame) {
 
 TEST(MessageCommon, ReceivesTwoMessagesThatArriveTogether) {
     EXPECT_THAT(Receive({Wire(L"first") + Wire(L"second")}), testing::ElementsAre(L"first", L"second"));
+}
+
+TEST(MessageCommon, PartsMessagesOfEachLength) {
+    std::string wire;
+    std::vector<std::wstring> results;
+    for (std::size_t length = 1; length <= 2 * kDelimiter.size(); ++length) {
+        wire += Wire(results.emplace_back(length, L'x'));
+    }
+    EXPECT_EQ(Receive({wire}), results);
 }
 
 TEST(MessageCommon, KeepsReadingUntilAReadEndsOnADelimiter) {

@@ -6,6 +6,7 @@
 #include "platform/Windows.h"
 #include "stand-ins/agent/Text.h"
 #include "tests/stand-ins/agent_client.h"
+#include "tests/support/Offspring.h"
 
 using namespace agent_tests;
 
@@ -42,6 +43,7 @@ public:
         }
         CloseHandle(process.hThread);
         process_ = process.hProcess;
+        test_support::EndWithThisProcess(process_);
     }
 
     ~Program_() {

@@ -85,7 +85,7 @@ TEST_F(OutlookMeeting, RecurrenceIsTheAppointments) {
 TEST_F(OutlookMeeting, LinkLeadsToAnAppointmentOfAnyStore) {
     outlook_.AddStore(L"Archive", {L"Calendar"});
     const auto there = outlook_.SavedItem({.kind = ItemKind::Appointment, .subject = L"There"}, L"Archive\\Calendar");
-    const auto meeting = outlook_.NewItem({.kind = ItemKind::Meeting, .appointmentId = GetText(there, L"EntryID")});
+    const auto meeting = outlook_.NewItem({.kind = ItemKind::Meeting, .relatedId = GetText(there, L"EntryID")});
     EXPECT_EQ(GetText(AppointmentOf(meeting), L"Subject"), L"There");
     EXPECT_THAT(outlook_.ItemsIn(L"Calendar"), IsEmpty());
 }
@@ -115,7 +115,7 @@ TEST_F(OutlookMeeting, LinkIsSavedWithTheMeeting) {
     }
     const ItemData onDisk = outlook_.ItemsIn(L"Drafts").at(0);
     EXPECT_EQ(onDisk.kind, ItemKind::Meeting);
-    EXPECT_EQ(onDisk.appointmentId, outlook_.ItemsIn(L"Calendar").at(0).entryId);
+    EXPECT_EQ(onDisk.relatedId, outlook_.ItemsIn(L"Calendar").at(0).entryId);
     EXPECT_EQ(GetText(AppointmentOf(ById(id)), L"Subject"), L"Review");
 }
 
@@ -147,7 +147,7 @@ TEST_F(OutlookMeeting, AppointmentThatIsSentRaisesTheEventWithAMeetingItemOfItsO
     EXPECT_EQ(request.recipients.at(0).address, L"ben@example.com");
     EXPECT_EQ(request.attachments.at(0).content, "A");
     ASSERT_THAT(outlook_.ItemsIn(L"Calendar"), SizeIs(1));
-    EXPECT_EQ(request.appointmentId, outlook_.ItemsIn(L"Calendar")[0].entryId);
+    EXPECT_EQ(request.relatedId, outlook_.ItemsIn(L"Calendar")[0].entryId);
     EXPECT_EQ(outlook_.OpenInspectors(), 0u);
 }
 
@@ -171,7 +171,7 @@ TEST_F(OutlookMeeting, InvitationThatWasSavedWhenItWasStoppedStaysInDraftsWithIt
     const SendResult result = outlook_.Send(Appointment());
     ASSERT_THAT(outlook_.ItemsIn(L"Drafts"), SizeIs(1));
     const ItemData request = outlook_.ItemsIn(L"Drafts")[0];
-    EXPECT_EQ(request.appointmentId, result.entryId);
+    EXPECT_EQ(request.relatedId, result.entryId);
     EXPECT_EQ(GetText(AppointmentOf(ById(request.entryId)), L"EntryID"), result.entryId);
 }
 
@@ -253,20 +253,24 @@ TEST_F(OutlookMeeting, FileOfAMeetingTellsWhenWhereAndOfWhichSeries) {
     EXPECT_EQ(saved.recurrenceState, Master);
 }
 
-TEST_F(OutlookMeeting, FileOfAnUnknownKindOrRecurrenceIsRefused) {
-    const auto refusalOf = [&](const char* json) {
-        test_support::WriteBytes(folder_ / L"item.json", json);
-        try {
-            ReadItemFile(folder_ / L"item.json");
-            return std::string();
-        } catch (const std::runtime_error& failure) {
-            return std::string(failure.what());
-        }
-    };
-    EXPECT_THAT(refusalOf(R"({"kind": "journal"})"),
-                testing::EndsWith(R"(kind is none of "mail", "post", "meeting" and "appointment")"));
-    EXPECT_THAT(refusalOf(R"({"kind": "meeting", "recurrenceState": 4})"),
-                testing::EndsWith("recurrenceState is not 0 (none), 1 (series), 2 (occurrence) or 3 (exception)"));
+TEST_F(OutlookMeeting, FileOfAnUnknownRecurrenceIsRefused) {
+    const auto file = folder_ / L"item.json";
+    test_support::WriteBytes(file, R"({"kind": "meeting", "recurrenceState": 4})");
+    try {
+        ReadItemFile(file);
+        FAIL() << "it was read";
+    } catch (const std::runtime_error& failure) {
+        EXPECT_THAT(failure.what(),
+                    testing::EndsWith("recurrenceState is not 0 (none), 1 (series), 2 (occurrence) or 3 (exception)"));
+    }
+}
+
+TEST_F(OutlookMeeting, MeetingMayBringItsAppointmentAlong) {
+    const auto meeting = outlook_.NewItem({.kind = ItemKind::Meeting,
+                                           .subject = L"Other words",
+                                           .related = {{.kind = ItemKind::Appointment, .subject = L"Review"}}});
+    EXPECT_EQ(GetText(AppointmentOf(meeting), L"Subject"), L"Review");
+    EXPECT_THAT(outlook_.ItemsIn(L"Calendar"), SizeIs(1));
 }
 
 class OutlookSharedCalendar : public OutlookMeeting {
@@ -304,7 +308,7 @@ TEST_F(OutlookSharedCalendar, ItemsAreFoundByTheStoreOfThatCalendarOnly) {
 TEST_F(OutlookSharedCalendar, IsNoStoreOfTheProfileAndNoLinkLeadsThere) {
     const auto item = outlook_.SavedItem({.kind = ItemKind::Appointment}, L"Anna Weber\\Calendar");
     EXPECT_EQ(GetNumber(GetObject(Session(), L"Folders"), L"Count"), 1);
-    EXPECT_EQ(AppointmentOf(outlook_.NewItem({.kind = ItemKind::Meeting, .appointmentId = GetText(item, L"EntryID")})),
+    EXPECT_EQ(AppointmentOf(outlook_.NewItem({.kind = ItemKind::Meeting, .relatedId = GetText(item, L"EntryID")})),
               nullptr);
 }
 

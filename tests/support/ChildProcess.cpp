@@ -9,6 +9,8 @@
 
 #include <shellapi.h>
 
+#include "tests/support/Offspring.h"
+
 namespace test_support {
 namespace {
 
@@ -63,6 +65,7 @@ ChildProcess::ChildProcess(const std::wstring& role, const std::wstring& argumen
     }
     CloseHandle(started.hThread);
     process_ = started.hProcess;
+    EndWithThisProcess(process_);
 }
 
 ChildProcess::~ChildProcess() {

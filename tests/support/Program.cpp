@@ -4,6 +4,8 @@
 #include <iterator>
 #include <stdexcept>
 
+#include "tests/support/Offspring.h"
+
 namespace test_support {
 namespace {
 
@@ -52,6 +54,7 @@ Program::Program(const std::filesystem::path& executable, const std::vector<std:
     CloseHandle(information.hThread);
     process_ = information.hProcess;
     id_ = information.dwProcessId;
+    EndWithThisProcess(Handle());
 }
 
 Program::~Program() {
