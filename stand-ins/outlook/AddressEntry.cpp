@@ -3,7 +3,6 @@
 #include "stand-ins/outlook/Interfaces.h"
 
 namespace stand_ins {
-namespace {
 
 const Class& AddressEntryClass() {
     static const Class members =
@@ -14,10 +13,8 @@ const Class& AddressEntryClass() {
     return members;
 }
 
-} // namespace
-
 AddressEntry::AddressEntry(std::shared_ptr<Session> session, std::shared_ptr<ItemRecord> record,
-                           std::shared_ptr<RecipientData> recipient)
-    : Object(std::move(session), AddressEntryClass()), record_(std::move(record)), recipient_(std::move(recipient)) {}
+                           std::shared_ptr<RecipientData> recipient, const Class& model)
+    : Object(std::move(session), model), record_(std::move(record)), recipient_(std::move(recipient)) {}
 
 } // namespace stand_ins

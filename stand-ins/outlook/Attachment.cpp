@@ -7,26 +7,36 @@
 namespace stand_ins {
 namespace {
 
-const Class& AttachmentClass() {
-    static const Class members =
-        ClassOf<Attachment>(L"Attachment", kAttachmentId)
-            .Get(L"FileName", [](Attachment& self) { return TextValue(self.Alive().fileName); })
-            .Get(L"DisplayName", [](Attachment& self) { return TextValue(self.Alive().displayName); })
-            .Put(L"DisplayName", [](Attachment& self, const Arguments& a) { self.Alive().displayName = a.Text(0); })
-            .Get(L"Type", [](Attachment& self) { return _variant_t(self.Alive().type); })
-            .Get(L"Position", [](Attachment& self) { return _variant_t(self.Alive().position); })
-            .Get(L"Size", [](Attachment& self) { return _variant_t(self.Size()); })
-            .Get(L"PropertyAccessor", [](Attachment& self) { return ObjectValue(self.Accessor()); })
-            .Call(L"SaveAsFile", 1, 1, [](Attachment& self, const Arguments& a) { self.SaveAs(a.Text(0)); })
-            .Call(L"Delete", 0, 0, [](Attachment& self, const Arguments&) { self.Delete(); });
+ClassOf<Attachment> BuildAttachmentMembers() {
+    ClassOf<Attachment> members(L"Attachment", IID_NULL);
+    members.Get(L"FileName", [](Attachment& self) { return TextValue(self.Alive().fileName); })
+        .Get(L"DisplayName", [](Attachment& self) { return TextValue(self.Alive().displayName); })
+        .Put(L"DisplayName", [](Attachment& self, const Arguments& a) { self.Alive().displayName = a.Text(0); })
+        .Get(L"Type", [](Attachment& self) { return _variant_t(self.Alive().type); })
+        .Get(L"Position", [](Attachment& self) { return _variant_t(self.Alive().position); })
+        .Get(L"Size", [](Attachment& self) { return _variant_t(self.Size()); })
+        .Call(L"SaveAsFile", 1, 1, [](Attachment& self, const Arguments& a) { self.SaveAs(a.Text(0)); })
+        .Call(L"Delete", 0, 0, [](Attachment& self, const Arguments&) { self.Delete(); });
     return members;
 }
 
 } // namespace
 
+const Class& AttachmentMembers() {
+    static const Class members = BuildAttachmentMembers();
+    return members;
+}
+
+const Class& AttachmentClass() {
+    static const Class members =
+        ClassOf<Attachment>(L"Attachment", kAttachmentId, &AttachmentMembers())
+            .Get(L"PropertyAccessor", [](Attachment& self) { return ObjectValue(self.Accessor()); });
+    return members;
+}
+
 Attachment::Attachment(std::shared_ptr<Session> session, std::shared_ptr<ItemRecord> record,
-                       std::shared_ptr<AttachmentData> attachment)
-    : Object(std::move(session), AttachmentClass()), record_(std::move(record)), attachment_(std::move(attachment)) {}
+                       std::shared_ptr<AttachmentData> attachment, const Class& model)
+    : Object(std::move(session), model), record_(std::move(record)), attachment_(std::move(attachment)) {}
 
 long Attachment::Size() const {
     const AttachmentData& attachment = Alive();

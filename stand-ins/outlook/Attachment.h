@@ -6,11 +6,16 @@
 
 namespace stand_ins {
 
+/// The members of an attachment, whoever shows it.
+const Class& AttachmentMembers();
+/// Those of Outlook's own.
+const Class& AttachmentClass();
+
 /// One attachment of an item.
 class Attachment : public Object {
 public:
     Attachment(std::shared_ptr<Session> session, std::shared_ptr<ItemRecord> record,
-               std::shared_ptr<AttachmentData> attachment);
+               std::shared_ptr<AttachmentData> attachment, const Class& model = AttachmentClass());
 
     AttachmentData& Alive() const {
         record_->CheckAlive();

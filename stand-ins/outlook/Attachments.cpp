@@ -13,17 +13,6 @@ namespace {
 
 constexpr long kByValue = 1;
 
-const Class& AttachmentsClass() {
-    static const Class members =
-        ClassOf<Attachments>(L"Attachments", kAttachmentsId)
-            .Get(L"Count",
-                 [](Attachments& self) { return _variant_t(static_cast<long>(self.Alive().attachments.size())); })
-            .Indexed(L"Item", [](Attachments& self, const Arguments& a) { return ObjectValue(self.At(a.Number(0))); })
-            .Call(L"Add", 1, 4, [](Attachments& self, const Arguments& a) { return ObjectValue(self.Add(a)); })
-            .Call(L"Remove", 1, 1, [](Attachments& self, const Arguments& a) { self.Remove(a.Number(0)); });
-    return members;
-}
-
 std::string ReadSource(const std::filesystem::path& path) {
     std::ifstream stream(path, std::ios::binary);
     if (!stream || std::filesystem::is_directory(path)) {
@@ -35,8 +24,20 @@ std::string ReadSource(const std::filesystem::path& path) {
 
 } // namespace
 
-Attachments::Attachments(std::shared_ptr<Session> session, std::shared_ptr<ItemRecord> record)
-    : Object(std::move(session), AttachmentsClass()), record_(std::move(record)) {}
+const Class& AttachmentsClass() {
+    static const Class members =
+        ClassOf<Attachments>(L"Attachments", kAttachmentsId)
+            .Get(L"Count",
+                 [](Attachments& self) { return _variant_t(static_cast<long>(self.Alive().attachments.size())); })
+            .Indexed(L"Item", [](Attachments& self, const Arguments& a) { return ObjectValue(self.At(a.Number(0))); })
+            .Call(L"Add", 1, 4, [](Attachments& self, const Arguments& a) { return ObjectValue(self.Add(a)); })
+            .Call(L"Remove", 1, 1, [](Attachments& self, const Arguments& a) { self.Remove(a.Number(0)); });
+    return members;
+}
+
+Attachments::Attachments(std::shared_ptr<Session> session, std::shared_ptr<ItemRecord> record, const Class& model,
+                         const Class& entry)
+    : Object(std::move(session), model), record_(std::move(record)), entry_(entry) {}
 
 size_t Attachments::Index_(long index) const {
     if (index < 1 || index > static_cast<long>(Alive().attachments.size())) {
@@ -46,11 +47,16 @@ size_t Attachments::Index_(long index) const {
 }
 
 DispatchPtr Attachments::At(long index) {
-    return Make<Attachment>(SharedOwner(), record_, record_->attachments[Index_(index)]);
+    return Make<Attachment>(SharedOwner(), record_, record_->attachments[Index_(index)], entry_);
 }
 
 void Attachments::Remove(long index) {
     record_->attachments.erase(record_->attachments.begin() + static_cast<std::ptrdiff_t>(Index_(index)));
+    record_->dirty = true;
+}
+
+void Attachments::Clear() {
+    Alive().attachments.clear();
     record_->dirty = true;
 }
 
@@ -68,7 +74,7 @@ DispatchPtr Attachments::Add(const Arguments& arguments) {
     attachment->displayName = arguments.Has(3) ? arguments.Text(3) : attachment->fileName;
     record.attachments.push_back(attachment);
     record.dirty = true;
-    return Make<Attachment>(SharedOwner(), record_, attachment);
+    return Make<Attachment>(SharedOwner(), record_, attachment, entry_);
 }
 
 } // namespace stand_ins

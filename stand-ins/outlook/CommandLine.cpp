@@ -61,6 +61,16 @@ ExplorerState ParseExplorer(const std::wstring& text) {
     return found->second;
 }
 
+Editor ParseEditor(const std::wstring& text) {
+    static const std::map<std::wstring, Editor> editors = {
+        {L"outlook", Editor::Outlook}, {L"word", Editor::Word}, {L"renamed-word", Editor::WordUnderAnotherTitle}};
+    const auto found = editors.find(text);
+    if (found == editors.end()) {
+        Refuse(L"--editor is one of outlook, word and renamed-word, not \"" + text + L"\"");
+    }
+    return found->second;
+}
+
 Deed ParseDeed(const std::wstring& text) {
     static const std::map<std::wstring, Deed::Kind> kinds = {{L"edit", Deed::Kind::Edit},
                                                              {L"move", Deed::Kind::Move},
@@ -81,6 +91,7 @@ std::map<std::wstring, std::function<void(Value)>> ValueOptions(CommandLine& lin
     return {{L"--profile", [&](Value value) { line.outlook.profile = value; }},
             {L"--version", [&](Value value) { line.outlook.version = value; }},
             {L"--explorer", [&](Value value) { line.outlook.explorer = ParseExplorer(value); }},
+            {L"--editor", [&](Value value) { line.outlook.editor = ParseEditor(value); }},
             {L"--record", [&](Value value) { line.record = value; }},
             {L"--fail", [&](Value value) { line.faults.push_back(ParseFault(value)); }},
             {L"--meanwhile", [&](Value value) { line.deeds.push_back(ParseDeed(value)); }},
@@ -145,6 +156,9 @@ const char* Usage() {
            "                       of edit, move, delete (to the item) and close-explorer\n"
            "  --read-boxes         the user presses OK on every message box; what it says is told\n"
            "  --version N.N.N.N    what Application.Version answers (16.0.5.1)\n"
+           "  --editor EDITOR      before Outlook 2007: outlook (as usual), word, or renamed-word, whose window has "
+           "another\n"
+           "                       title than Outlook says\n"
            "  -Embedding           started for automation; also Embedding and /Embedding, in any case\n"
            "  --explorer STATE     shown (as usual), disabled or missing; it comes once the add-ins are loaded\n"
            "  --early-explorer     it comes before them\n"

@@ -10,7 +10,7 @@ namespace {
 const Class& InspectorClass() {
     static const Class members =
         ClassOf<Inspector>(L"Inspector", kInspectorId)
-            .Get(L"IsWordMail", [](Inspector&) { return _variant_t(true); })
+            .Get(L"IsWordMail", [](Inspector& self) { return _variant_t(self.Owner().IsWordMail()); })
             .Get(L"Caption",
                  [](Inspector& self) {
                      self.Record()->CheckAlive();

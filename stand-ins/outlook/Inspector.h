@@ -6,7 +6,7 @@
 
 namespace stand_ins {
 
-/// The window of an item, shown or not. Its editor is Word, as in every Outlook since 2007.
+/// The window of an item, shown or not.
 class Inspector : public Object {
 public:
     Inspector(std::shared_ptr<Session> session, std::shared_ptr<ItemRecord> record);

@@ -29,6 +29,15 @@ std::shared_ptr<ItemRecord> InvitationTo(const std::shared_ptr<ItemRecord>& appo
     return record;
 }
 
+void SaveAsSent(Session& session, const std::shared_ptr<ItemRecord>& appointment) {
+    if (!appointment->dead) {
+        appointment->data.sent = true;
+        appointment->dirty = true;
+        session.Save(appointment);
+    }
+    session.CloseInspector(appointment);
+}
+
 } // namespace
 
 std::shared_ptr<ItemRecord> AppointmentOf(Session& session, ItemRecord& meeting) {
@@ -64,15 +73,18 @@ bool Invite(Session& session, const std::shared_ptr<ItemRecord>& appointment) {
     appointment->CheckAlive();
     const auto request = InvitationTo(appointment);
     const bool left = session.Submit(request, session.Show(request));
-    if (!appointment->dead) {
-        appointment->data.sent = appointment->data.sent || left;
-        appointment->dirty = appointment->dirty || left;
+    if (left) {
+        SaveAsSent(session, appointment);
+    } else if (!appointment->dead) {
         session.Save(appointment);
     }
-    if (left) {
-        session.CloseInspector(appointment);
-    }
     return left;
+}
+
+void DeliverInvitation(Session& session, const std::shared_ptr<ItemRecord>& appointment) {
+    appointment->CheckAlive();
+    session.Deliver(InvitationTo(appointment));
+    SaveAsSent(session, appointment);
 }
 
 } // namespace stand_ins

@@ -1,6 +1,7 @@
 #include "stand-ins/outlook/ItemRecord.h"
 
 #include "stand-ins/outlook/Failure.h"
+#include "stand-ins/outlook/Rtf.h"
 #include "stand-ins/outlook/Text.h"
 
 namespace stand_ins {
@@ -61,6 +62,12 @@ void ItemRecord::SetHtmlBody(const std::wstring& html) {
     data.bodyFormat = Html;
 }
 
+void ItemRecord::SetRtfBody(std::string rtf) {
+    SetBodyFormat(RichText);
+    data.body = PlainTextOfRtf(rtf);
+    data.rtfBody = std::move(rtf);
+}
+
 void ItemRecord::SetBodyFormat(long format) {
     if (format < Plain || format > RichText) {
         throw Failure{E_INVALIDARG, L"The value of BodyFormat is not one of plain, HTML and rich text."};
@@ -78,6 +85,10 @@ void ItemRecord::SetBodyFormat(long format) {
 
 std::wstring ItemRecord::HtmlBody() const {
     return data.bodyFormat == Html || data.body.empty() ? data.htmlBody : HtmlOf(data.body);
+}
+
+std::string ItemRecord::RtfBody() const {
+    return data.bodyFormat == RichText && data.rtfBody.empty() && !data.body.empty() ? RtfOf(data.body) : data.rtfBody;
 }
 
 } // namespace stand_ins

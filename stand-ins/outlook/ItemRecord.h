@@ -22,8 +22,11 @@ public:
 
     void SetBody(const std::wstring& text);
     void SetHtmlBody(const std::wstring& html);
+    void SetRtfBody(std::string rtf);
     void SetBodyFormat(long format);
     std::wstring HtmlBody() const;
+    /// Of a rich-text item only.
+    std::string RtfBody() const;
 
     ItemData data; ///< without recipients and attachments
     std::vector<std::shared_ptr<RecipientData>> recipients;

@@ -19,7 +19,7 @@ std::wstring Names(const ItemRecord& record, long type) {
 }
 
 _variant_t RtfOf(Item& item) {
-    const std::string& rtf = item.Alive().data.rtfBody;
+    const std::string rtf = item.Alive().RtfBody();
     VARIANT value;
     VariantInit(&value);
     value.parray = SafeArrayCreateVector(VT_UI1, 0, static_cast<ULONG>(rtf.size()));
@@ -35,9 +35,7 @@ void SetRtf(Item& item, const _variant_t& value) {
     if (value.vt != (VT_ARRAY | VT_UI1) || value.parray->cDims != 1) {
         throw BadCall{DISP_E_TYPEMISMATCH};
     }
-    ItemRecord& record = item.Changing();
-    record.SetBodyFormat(RichText);
-    record.data.rtfBody.assign(static_cast<const char*>(value.parray->pvData), value.parray->rgsabound[0].cElements);
+    item.Changing().SetRtfBody({static_cast<const char*>(value.parray->pvData), value.parray->rgsabound[0].cElements});
 }
 
 ClassOf<Item> BuildMailItemClass() {

@@ -50,6 +50,7 @@ Outlook::Outlook(OutlookOptions options)
     : apartment_(std::make_unique<Apartment_>()),
       lock_(std::make_unique<ProfileLock>(options.profile)),
       session_(std::make_shared<Session>(std::move(options))) {
+    session_->BecomeCurrent();
     if (session_->options.explorer != ExplorerState::Missing) {
         OpenExplorer(session_->options.explorer == ExplorerState::Shown);
     }
@@ -112,6 +113,7 @@ SendResult Outlook::Send(const DispatchPtr& item) {
         if (result.outcome == SendResult::Outcome::Stopped && !record->dead) {
             session_->Save(record);
         }
+        session_->LetWordClose();
     } catch (const Failure& failure) {
         result.error = failure.result;
         result.reason = failure.words;

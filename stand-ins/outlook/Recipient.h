@@ -6,11 +6,16 @@
 
 namespace stand_ins {
 
+/// The members of a recipient, whoever shows it.
+const Class& RecipientMembers();
+/// Those of Outlook's own.
+const Class& RecipientClass();
+
 /// One recipient of an item.
 class Recipient : public Object {
 public:
     Recipient(std::shared_ptr<Session> session, std::shared_ptr<ItemRecord> record,
-              std::shared_ptr<RecipientData> recipient);
+              std::shared_ptr<RecipientData> recipient, const Class& model = RecipientClass());
 
     RecipientData& Alive() const {
         record_->CheckAlive();

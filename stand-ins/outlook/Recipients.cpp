@@ -6,7 +6,6 @@
 #include "stand-ins/outlook/Session.h"
 
 namespace stand_ins {
-namespace {
 
 const Class& RecipientsClass() {
     static const Class members =
@@ -21,10 +20,9 @@ const Class& RecipientsClass() {
     return members;
 }
 
-} // namespace
-
-Recipients::Recipients(std::shared_ptr<Session> session, std::shared_ptr<ItemRecord> record)
-    : Object(std::move(session), RecipientsClass()), record_(std::move(record)) {}
+Recipients::Recipients(std::shared_ptr<Session> session, std::shared_ptr<ItemRecord> record, const Class& model,
+                       const Class& entry)
+    : Object(std::move(session), model), record_(std::move(record)), entry_(entry) {}
 
 size_t Recipients::Index_(long index) const {
     if (index < 1 || index > static_cast<long>(Alive().recipients.size())) {
@@ -34,14 +32,14 @@ size_t Recipients::Index_(long index) const {
 }
 
 DispatchPtr Recipients::At(long index) {
-    return Make<Recipient>(SharedOwner(), record_, record_->recipients[Index_(index)]);
+    return Make<Recipient>(SharedOwner(), record_, record_->recipients[Index_(index)], entry_);
 }
 
 DispatchPtr Recipients::Add(const std::wstring& name) {
     Alive().dirty = true;
     const auto recipient = std::make_shared<RecipientData>(RecipientData{.name = name, .resolved = false});
     record_->recipients.push_back(recipient);
-    return Make<Recipient>(SharedOwner(), record_, recipient);
+    return Make<Recipient>(SharedOwner(), record_, recipient, entry_);
 }
 
 void Recipients::Remove(long index) {

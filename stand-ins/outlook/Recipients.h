@@ -3,13 +3,18 @@
 
 #include "stand-ins/outlook/ItemRecord.h"
 #include "stand-ins/outlook/Object.h"
+#include "stand-ins/outlook/Recipient.h"
 
 namespace stand_ins {
+
+const Class& RecipientsClass();
 
 /// The recipients of an item.
 class Recipients : public Object {
 public:
-    Recipients(std::shared_ptr<Session> session, std::shared_ptr<ItemRecord> record);
+    /// entry: the class of the single ones.
+    Recipients(std::shared_ptr<Session> session, std::shared_ptr<ItemRecord> record,
+               const Class& model = RecipientsClass(), const Class& entry = RecipientClass());
 
     ItemRecord& Alive() const {
         record_->CheckAlive();
@@ -27,6 +32,7 @@ private:
     size_t Index_(long index) const;
 
     std::shared_ptr<ItemRecord> record_;
+    const Class& entry_;
 };
 
 } // namespace stand_ins

@@ -14,6 +14,7 @@ namespace stand_ins {
 namespace {
 
 constexpr DISPID kItemSend = 0xF002;
+constexpr const wchar_t* kOtherTitle = L"Document1 - Microsoft Word";
 
 // Local time as an OLE date, to the millisecond.
 double Now() {
@@ -34,6 +35,21 @@ Session::Session(OutlookOptions given)
       caption(std::wstring(L"Inbox - ") + kDefaultStore + L" - Outlook"),
       store(options.profile),
       thread_(GetCurrentThreadId()) {}
+
+std::weak_ptr<Session> Session::current_;
+
+std::shared_ptr<Session> Session::Current() {
+    return current_.lock();
+}
+
+void Session::BecomeCurrent() {
+    current_ = weak_from_this();
+}
+
+bool Session::IsBefore2007_() const {
+    const int version = _wtoi(options.version.c_str());
+    return version > 0 && version < 12;
+}
 
 bool Session::MayCall() const {
     return !options.strictThreads || GetCurrentThreadId() == thread_;
@@ -150,6 +166,11 @@ bool Session::Submit(const RecordPtr& record, IDispatch* item) {
     if (cancelled) {
         return false;
     }
+    Deliver(record);
+    return true;
+}
+
+void Session::Deliver(const RecordPtr& record) {
     record->CheckAlive();
     if (record->recipients.empty()) {
         throw Failure{kNoRecipients, L"There must be at least one name or contact group in the To, Cc, or Bcc box."};
@@ -173,7 +194,6 @@ bool Session::Submit(const RecordPtr& record, IDispatch* item) {
     }
     record->data.sent = true;
     Leave_(record);
-    return true;
 }
 
 void Session::ReportCancelledSend() const {
@@ -197,13 +217,39 @@ DispatchPtr Session::Root() {
 }
 
 void Session::OpenInspector(const RecordPtr& record) {
-    if (std::ranges::find(inspectors_, record, &Inspected_::record) == inspectors_.end()) {
-        auto window =
-            std::make_unique<Window>(Inspector::CaptionOf(record->data), [this, shown = std::weak_ptr(record)] {
-                const std::scoped_lock guard(lock);
-                CloseInspector(shown.lock());
-            });
-        inspectors_.push_back({record, std::move(window)});
+    if (std::ranges::find(inspectors_, record, &Inspected_::record) != inspectors_.end()) {
+        return;
+    }
+    const bool inWord = IsBefore2007_() && options.editor != Editor::Outlook;
+    const std::wstring title =
+        options.editor == Editor::WordUnderAnotherTitle ? kOtherTitle : Inspector::CaptionOf(record->data);
+    auto window = std::make_unique<Window>(
+        title, [this, shown = std::weak_ptr(record)] { CloseByUser_(shown.lock()); },
+        inWord ? Window::kWordClass : Window::kOutlookClass);
+    inspectors_.push_back({record, std::move(window)});
+}
+
+void Session::CloseByUser_(const RecordPtr& record) {
+    const std::scoped_lock guard(lock);
+    try {
+        if (record && IsBefore2007_() && options.editor != Editor::Outlook) {
+            Save(record); // Word saves what it closes
+        }
+        CloseInspector(record);
+    } catch (const Failure&) {
+        // What cannot be saved stays open.
+    } catch (const std::exception&) {
+    }
+}
+
+void Session::LetWordClose() {
+    std::vector<HWND> windows;
+    std::ranges::transform(inspectors_, std::back_inserter(windows),
+                           [](const Inspected_& shown) { return shown.window->Handle(); });
+    for (const HWND window : windows) {
+        for (MSG message; PeekMessageW(&message, window, WM_CLOSE, WM_CLOSE, PM_REMOVE);) {
+            DispatchMessageW(&message);
+        }
     }
 }
 

@@ -22,6 +22,10 @@ class Session : public std::enable_shared_from_this<Session> {
 public:
     explicit Session(OutlookOptions options);
 
+    /// The session of this process's Outlook, for those who are asked without an item; null if there is none.
+    static std::shared_ptr<Session> Current();
+    void BecomeCurrent();
+
     /// Whether this thread may call: with strict threads only the one that started Outlook.
     bool MayCall() const;
     /// Lets go of sinks, faults and inspectors, any of which may hold objects that hold the session.
@@ -43,13 +47,20 @@ public:
     bool Submit(const RecordPtr& record, IDispatch* item);
     /// Tells a program whose Send was cancelled what the options want.
     void ReportCancelledSend() const;
+    /// Sends without the event, as Extended MAPI does. Failure: why it could not.
+    void Deliver(const RecordPtr& record);
 
     /// The object that shows a record, of the item's kind.
     DispatchPtr Show(const RecordPtr& record);
     DispatchPtr Root();
 
+    /// Whether items are written in Word: always since Outlook 2007, before only if the user wants it.
+    bool IsWordMail() const { return !IsBefore2007_() || options.editor != Editor::Outlook; }
+
     void OpenInspector(const RecordPtr& record);
     void CloseInspector(const RecordPtr& record);
+    /// Word is a program of its own: what was posted to its windows happens as soon as Outlook's thread is free.
+    void LetWordClose();
     /// The items that an inspector shows, the last one opened at the end.
     std::vector<RecordPtr> Inspectors() const;
 
@@ -73,8 +84,12 @@ private:
         std::unique_ptr<Window> window;
     };
 
+    bool IsBefore2007_() const;
+    void CloseByUser_(const RecordPtr& record);
     void Remember_(const RecordPtr& record);
     void Leave_(const RecordPtr& record);
+
+    static std::weak_ptr<Session> current_;
 
     const DWORD thread_;
     std::map<std::wstring, std::weak_ptr<ItemRecord>> open_;

@@ -4,19 +4,15 @@
 #include <utility>
 
 namespace stand_ins {
-namespace {
 
-constexpr const wchar_t* kClassName = L"rctrl_renwnd32";
-
-} // namespace
-
-Window::Window(const std::wstring& title, std::function<void()> closed) : closed_(std::move(closed)) {
+Window::Window(const std::wstring& title, std::function<void()> closed, const wchar_t* className)
+    : closed_(std::move(closed)) {
     WNDCLASSW windowClass{};
     windowClass.lpfnWndProc = Procedure_;
     windowClass.hInstance = GetModuleHandleW(nullptr);
-    windowClass.lpszClassName = kClassName;
+    windowClass.lpszClassName = className;
     RegisterClassW(&windowClass); // a second time it is there already
-    window_ = CreateWindowExW(0, kClassName, title.c_str(), WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 800, 600, nullptr,
+    window_ = CreateWindowExW(0, className, title.c_str(), WS_OVERLAPPEDWINDOW | WS_VISIBLE, 0, 0, 800, 600, nullptr,
                               nullptr, windowClass.hInstance, nullptr);
     if (window_ == nullptr) {
         throw std::runtime_error("a window cannot be created: error " + std::to_string(GetLastError()));

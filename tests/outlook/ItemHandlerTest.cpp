@@ -156,15 +156,6 @@ TEST_F(ItemHandlerTest, AFailureOfTheBodyEndsTheMessage) {
     EXPECT_THAT(ContextOf(message), SizeIs(5)); // no body, no version
 }
 
-TEST_F(ItemHandlerTest, BeforeOutlook2007TheRecipientsAreNotThereYet) {
-    const auto handler = HandlerOf(kMail);
-    SetVersion(L"11.0");
-    CInspectorMessage message(L"Email");
-    test_support::ExpectFailure<NotImplementedException>(
-        [&] { handler->FillInspectorMessage(message); }, L"vorlek::ItemHandler::FillItemRecipients_",
-        L"The recipients of an item are not available before Outlook 2007");
-}
-
 TEST_F(ItemHandlerTest, ForTheLogAnItemIsItsIdAndSubject) {
     const auto handler = HandlerOf(kMail);
     const std::wstring id = handler->GetItemUniqueID();

@@ -181,15 +181,6 @@ TEST_F(ItemWrapperTest, AnItemWithoutAnInspectorIsNotClosed) {
     EXPECT_EQ(outlook->Calls().Count(L"MailItem.Close"), 0u);
 }
 
-TEST_F(ItemWrapperTest, BeforeOutlook2007ClosingIsNotThereYet) {
-    const auto wrapper = WrapperOf({});
-    SetVersion(L"11.0");
-    test_support::ExpectFailure<NotImplementedException>([&] { wrapper->Close(); },
-                                                         L"vorlek::ItemWrapper<T >::ForceCloseItemWindow_",
-                                                         L"Closing an item is not available before Outlook 2007");
-    EXPECT_TRUE(log.Has(L"DEBUG", L"Office 2003 or lower => handling special close for WordMail"));
-}
-
 /// A decision with labels, as the agent sends it; its body file is the caller's.
 std::shared_ptr<InspectionDecision> Decision(const std::wstring& changes) {
     auto decision = std::make_shared<InspectionDecision>(L"<decision result=\"1\"><DataModifications>" + changes +
@@ -253,8 +244,6 @@ TEST_F(ItemWrapperTest, TheSubjectIsReadAndLogged) {
 TEST_F(ItemWrapperTest, TheNormalizedSubjectComesFromTheObjectModel) {
     const auto wrapper = WrapperOf({.subject = L"RE: Plans", .properties = {{0x0E1D001F, L"Plans"}}});
     EXPECT_EQ(wrapper->GetNormalizedSubject(), L"Plans");
-    SetVersion(L"11.0");
-    EXPECT_THROW(wrapper->GetNormalizedSubject(), NotImplementedException);
 }
 
 TEST_F(ItemWrapperTest, AllAttachmentsAreReplacedEachAtTheFirstPosition) {

@@ -246,15 +246,6 @@ TEST_F(MessageHandlerTest, EveryFailureOfLeavingTheLedgerEndsTheSend) {
     EXPECT_EQ(outlook->Calls().Count(L"MailItem.Send"), 0u);
 }
 
-TEST_F(MessageHandlerTest, BeforeOutlook2007AMailIsNotSentYet) {
-    const auto handler = HandlerOf(kMail);
-    SetVersion(L"11.0");
-    handler->Send();
-    EXPECT_THAT(Errors(), ElementsAre(L"MessageHandler::Send: Caught Unknown error! during RemoveFromInspectedItems or "
-                                      L"SendWithRDO_()"));
-    EXPECT_EQ(outlook->Calls().Count(L"MailItem.Send"), 0u);
-}
-
 TEST_F(MessageHandlerTest, TheModificationTimeIsOutlooks) {
     const auto item = outlook->SavedItem(kMail);
     MessageHandler handler(Outlook::_MailItemPtr(item.GetInterfacePtr()));
@@ -427,17 +418,6 @@ TEST_F(MessageHandlerTest, WithoutAMailNothingIsLabelled) {
     log.Clear();
     handler.LabelBody(L"C:\\nowhere");
     EXPECT_THAT(Errors(), ElementsAre(L"Item_ is NULL not labelling"));
-}
-
-TEST_F(MessageHandlerTest, BeforeOutlook2007ABodyIsNotLabelledYet) {
-    const auto handler = LabelledOf(kMail);
-    SetVersion(L"11.0");
-    const std::wstring path = File(L"body.txt", "\xFF\xFE");
-    test_support::ExpectFailure<NotImplementedException>([&] { handler->LabelBody(path); },
-                                                         L"vorlek::MessageHandler::LabelBody",
-                                                         L"Labelling a body is not available before Outlook 2007");
-    EXPECT_TRUE(log.Has(L"INFO", L"Outlook2003 - using Redemption message object"));
-    EXPECT_EQ(outlook->Calls().Count(L"MailItem.Body put"), 0u);
 }
 
 TEST_F(MessageHandlerTest, EveryFailureOfReplacingAttachmentsIsReportedAndFalse) {

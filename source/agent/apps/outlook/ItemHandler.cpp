@@ -10,7 +10,6 @@
 #include "foundation/File.h"
 #include "foundation/Log.h"
 #include "foundation/Log4CxxHelper.h"
-#include "foundation/Throw.h"
 #include "plugin-link/Vocabulary.h"
 
 namespace vorlek {
@@ -79,18 +78,18 @@ void ItemHandler::FillItemSender_(CInspectorMessage& message) {
 
 void ItemHandler::FillItemRecipients_(CInspectorMessage& message) {
     if (GlobalConfig::IsOutlookBefore2007()) {
-        Throw<NotImplementedException>(L"vorlek::ItemHandler::FillItemRecipients_",
-                                       L"The recipients of an item are not available before Outlook 2007");
+        FillItemRecipientsRedemption_(message);
+    } else {
+        Outlook2007Helper::FillItemRecipients(GetItemDispatch(), message, logger_);
     }
-    Outlook2007Helper::FillItemRecipients(GetItemDispatch(), message, logger_);
 }
 
 void ItemHandler::FillItemAttachments_(CInspectorMessage& message) {
     if (GlobalConfig::IsOutlookBefore2007()) {
-        Throw<NotImplementedException>(L"vorlek::ItemHandler::FillItemAttachments_",
-                                       L"The attachments of an item are not available before Outlook 2007");
+        FillItemAttachmentsRedemption_(message);
+    } else {
+        Outlook2007Helper::FillItemAttachments(GetItemDispatch(), message, logger_);
     }
-    Outlook2007Helper::FillItemAttachments(GetItemDispatch(), message, logger_);
 }
 
 void ItemHandler::FillItemBody_(CInspectorMessage& message) {

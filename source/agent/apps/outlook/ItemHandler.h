@@ -71,7 +71,9 @@ private:
     void FillItemSubject_(CInspectorMessage& message);
     void FillItemSender_(CInspectorMessage& message);
     void FillItemRecipients_(CInspectorMessage& message);
+    void FillItemRecipientsRedemption_(CInspectorMessage& message);
     void FillItemAttachments_(CInspectorMessage& message);
+    void FillItemAttachmentsRedemption_(CInspectorMessage& message);
     void FillItemBody_(CInspectorMessage& message);
     void FillVersion_(CInspectorMessage& message);
 

@@ -76,6 +76,9 @@ protected:
     T Item_;
 
 private:
+    /// Closes the window of an item that is written in Word, which has a window of its own before Outlook 2007.
+    void ForceCloseItemWindow_(Outlook::_Inspector& inspector);
+
     template <class Collection>
     void AddAttachments_(Collection& collection, const InspectionDecision::Attachments& attachments);
 
@@ -146,14 +149,25 @@ void ItemWrapper<T>::Close() {
     }
     if (GlobalConfig::IsOutlookBefore2007()) {
         LOG_DEBUG(logger_, L"Office 2003 or lower => handling special close for WordMail");
-        Throw<NotImplementedException>(L"vorlek::ItemWrapper<T >::ForceCloseItemWindow_",
-                                       L"Closing an item is not available before Outlook 2007");
-    }
-    if (inspector->IsWordMail()) {
+        ForceCloseItemWindow_(*inspector);
+    } else if (inspector->IsWordMail()) {
         inspector->Close(Outlook::olSave);
     } else {
         LOG_DEBUG(logger_, L"Non-WordMail => Closing the item through the regular close command.");
         Item_->Close(Outlook::olSave);
+    }
+}
+
+template <class T>
+void ItemWrapper<T>::ForceCloseItemWindow_(Outlook::_Inspector& inspector) {
+    const std::wstring caption = platform::ToWide(inspector.GetCaption());
+    if (const HWND window = FindWindowW(L"OpusApp", caption.c_str()); window != nullptr) {
+        LOG_INFO(logger_, L"Posting close to WordMail");
+        PostMessageW(window, WM_CLOSE, 2, 0); // the 2 means nothing to Windows; Word has always been sent it
+    } else {
+        LOG_WARN(logger_, L"Item is using WordMail, but we failed to locate the WordMail window and close it. "
+                          L"Attempting to close it directly.");
+        inspector.Close(Outlook::olSave);
     }
 }
 
@@ -187,8 +201,9 @@ std::wstring ItemWrapper<T>::GetSubject() {
 template <class T>
 std::wstring ItemWrapper<T>::GetNormalizedSubject() {
     if (GlobalConfig::IsOutlookBefore2007()) {
-        Throw<NotImplementedException>(L"vorlek::ItemWrapper<T >::GetNormalizedSubject",
-                                       L"The normalized subject is not available before Outlook 2007");
+        const Redemption::IRDOMailPtr mail = GetRDOObject();
+        return mail ? platform::ToWide(platform::ToText(mail->GetFields(Redemption::PR_NORMALIZED_SUBJECT_W)))
+                    : std::wstring();
     }
     return platform::ToWide(Outlook2007Helper::GetNormalizedSubject(Item_, logger_));
 }

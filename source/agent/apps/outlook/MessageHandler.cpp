@@ -60,8 +60,25 @@ bool MessageHandler::LeaveLedger_(bool& sent) {
 }
 
 bool MessageHandler::SendWithRDO_() {
-    Throw<NotImplementedException>(L"vorlek::MessageHandler::SendWithRDO_",
-                                   L"Sending through Redemption is not available");
+    bool sent = false;
+    Guard(logger_, LOG_SITE,
+          {.exception = {},
+           .comError = {L"MessageHandler::SendWithRDO_: Caught a com exception during Send: "},
+           .stdException = {L"MessageHandler::SendWithRDO_: Caught an exception: "},
+           .other = {L"MessageHandler::SendWithRDO_: Caught Unknown error!"}},
+          [&] {
+              LOG_INFO(logger_, L"Sending using Redemption (Outlook 2003) - Creating Redemption.RDOSession");
+              const Redemption::IRDOMailPtr mail = GetRDOObject();
+              if (!mail) {
+                  return;
+              }
+              LOG_DEBUG(logger_, L"Setting the subject in case a stamp was applied");
+              mail->PutSubject(Item_->GetSubject());
+              mail->Send();
+              LOG_DEBUG(logger_, L"Successfully sent item using RDO object module!");
+              sent = true;
+          });
+    return sent;
 }
 
 void MessageHandler::SendThroughOutlook_() {
@@ -143,8 +160,7 @@ void MessageHandler::ExportBody(std::wstring& path, _bstr_t& plainText) {
         WriteBSTRToFile(plainText, path, true);
         break;
     case Outlook::olFormatHTML:
-        path = CommonUtils::MakeTemporaryPath(L"html");
-        WriteBSTRToFile(ReadHtml_(), path, false); // without a mark: the agent tells HTML by that
+        path = ExportHtml_();
         break;
     case Outlook::olFormatRichText:
         path = ExportRichText_();
@@ -168,14 +184,22 @@ _bstr_t MessageHandler::ReadPlainText_() {
     return safeItem->GetBody();
 }
 
-_bstr_t MessageHandler::ReadHtml_() {
+std::wstring MessageHandler::ExportHtml_() {
+    _bstr_t html;
     if (GlobalConfig::IsOutlookBefore2007()) {
-        Throw<NotImplementedException>(L"vorlek::MessageHandler::ExportBody",
-                                       L"The HTML body is not available before Outlook 2007");
+        const Redemption::IRDOMailPtr mail = GetRDOObject();
+        if (!mail) {
+            LOG_ERROR(logger_, L"Failed to retrieve Redemption RDO mail => exporting no HTML");
+            return {};
+        }
+        html = mail->GetHTMLBody();
+    } else {
+        html = Item_->GetHTMLBody();
+        LOG_DEBUG(logger_, L"ExportBody (message) after getting HTMLbody.length=" << html.length());
     }
-    const _bstr_t html = Item_->GetHTMLBody();
-    LOG_DEBUG(logger_, L"ExportBody (message) after getting HTMLbody.length=" << html.length());
-    return html;
+    std::wstring path = CommonUtils::MakeTemporaryPath(L"html");
+    WriteBSTRToFile(html, path, false); // without a mark: the agent tells HTML by that
+    return path;
 }
 
 std::wstring MessageHandler::ExportRichText_() {
@@ -204,16 +228,22 @@ void MessageHandler::LabelBody(const std::wstring& path) {
     case Outlook::olFormatPlain:
         LOG_INFO(logger_, L"Item is a plain text message");
         ReadFileToBSTR(path, body);
-        RequireObjectModel_();
-        LOG_INFO(logger_, L"Outlook2007+ - using message object");
-        Item_->PutBody(body);
+        if (GlobalConfig::IsOutlookBefore2007()) {
+            GetLabelledMail_()->PutBody(body);
+        } else {
+            LOG_INFO(logger_, L"Outlook2007+ - using message object");
+            Item_->PutBody(body);
+        }
         break;
     case Outlook::olFormatHTML:
         LOG_INFO(logger_, L"Item is an HTML message");
         ReadFileToBSTR(path, body);
-        RequireObjectModel_();
-        Item_->PutHTMLBody(body);
-        LOG_DEBUG(logger_, L"ExportBody (message) after using message object.length=" << body.length());
+        if (GlobalConfig::IsOutlookBefore2007()) {
+            GetLabelledMail_()->PutHTMLBody(body);
+        } else {
+            Item_->PutHTMLBody(body);
+            LOG_DEBUG(logger_, L"ExportBody (message) after using message object.length=" << body.length());
+        }
         break;
     case Outlook::olFormatRichText: {
         LOG_INFO(logger_, L"Item is a rich text message - importing via Redemption");
@@ -226,12 +256,9 @@ void MessageHandler::LabelBody(const std::wstring& path) {
     }
 }
 
-void MessageHandler::RequireObjectModel_() {
-    if (GlobalConfig::IsOutlookBefore2007()) {
-        LOG_INFO(logger_, L"Outlook2003 - using Redemption message object");
-        Throw<NotImplementedException>(L"vorlek::MessageHandler::LabelBody",
-                                       L"Labelling a body is not available before Outlook 2007");
-    }
+Redemption::IRDOMailPtr MessageHandler::GetLabelledMail_() {
+    LOG_INFO(logger_, L"Outlook2003 - using Redemption message object");
+    return GetRDOObject(); // without Redemption null, whose use raises E_POINTER
 }
 
 bool MessageHandler::OverrideItemAttachments(const InspectionDecision::Attachments& attachments) {

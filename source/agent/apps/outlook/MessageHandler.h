@@ -33,9 +33,9 @@ private:
     void SendThroughOutlook_();
     void GiveBackToUser_();
     _bstr_t ReadPlainText_();
-    _bstr_t ReadHtml_();
+    std::wstring ExportHtml_();
     std::wstring ExportRichText_();
-    void RequireObjectModel_();
+    Redemption::IRDOMailPtr GetLabelledMail_();
 
     static LoggerHolder logger_;
 

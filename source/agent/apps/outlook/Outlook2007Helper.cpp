@@ -1,6 +1,7 @@
 #include "agent/apps/outlook/Outlook2007Helper.h"
 
 #include "agent/apps/outlook/CommonUtils.h"
+#include "agent/apps/outlook/RecipientKey.h"
 #include "foundation/Border.h"
 #include "foundation/Log.h"
 #include "platform/outlook/Outlook.h"
@@ -95,20 +96,6 @@ Outlook::_AccountPtr GetAccount_(const IDispatchPtr& item, const log4cxx::Logger
     return {};
 }
 
-/// The context key of a recipient's type, null for a type that has none.
-const wchar_t* GetRecipientKey_(long type) {
-    switch (type) {
-    case 1:
-        return vocabulary::key::kEmailTo;
-    case 2:
-        return vocabulary::key::kEmailCc;
-    case 3:
-        return vocabulary::key::kEmailBcc;
-    default:
-        return nullptr;
-    }
-}
-
 void FillRecipient_(Outlook::Recipients& recipients, long index, CInspectorMessage& message,
                     const log4cxx::LoggerPtr& logger) {
     const Outlook::RecipientPtr recipient = recipients.Item(_variant_t(index));
@@ -127,8 +114,8 @@ void FillRecipient_(Outlook::Recipients& recipients, long index, CInspectorMessa
         LOG_DEBUG(logger, L"Failed to retrieve SMTP address to recipient #" << index << L" - skipping it");
         return;
     }
-    const wchar_t* const key = GetRecipientKey_(recipient->GetType());
-    if (key == nullptr) {
+    const wchar_t* const key = RecipientKey(recipient->GetType());
+    if (*key == L'\0') {
         LOG_DEBUG(logger, L"Invalid type to recipient #" << index << L" - skipping it");
         return;
     }
