@@ -41,6 +41,7 @@ protected:
     /// The same, its link broken, its ledger entry leading to the appointment.
     void StartWithLedger(stand_ins::ItemData meeting = Request());
     void InstallRedemption() { redemption_.emplace(); }
+    void RemoveRedemption() { redemption_.reset(); }
     /// Outlook of version 11, which the handler takes for what it is from now on.
     void BecomeOld() { SetVersion(kVersion11); }
     void ClearTraces();

@@ -232,23 +232,9 @@ Redemption::ISafeItemPtr MeetingHandler::GetSafeItem() {
 
 void MeetingHandler::ExportBody(std::wstring& path, _bstr_t& plainText) {
     path = CommonUtils::MakeTemporaryPath(L"txt");
-    plainText = ReadPlainText_();
+    plainText = ReadPlainText_(logger_);
     LOG_INFO(logger_, L"ExportBody (meeting) after doing correct GetSafeItem.length=" << plainText.length());
     WriteBSTRToFile(plainText, path, true);
-}
-
-_bstr_t MeetingHandler::ReadPlainText_() {
-    if (!GlobalConfig::IsOutlookBefore2007() && Item_) {
-        if (const _bstr_t body = Item_->GetBody(); body.length() != 0) {
-            return body;
-        }
-    }
-    const Redemption::ISafeItemPtr safeItem = GetSafeItem();
-    if (!safeItem) {
-        LOG_ERROR(logger_, L"Failed to retrieve Redemption SafeItem => exporting an empty text");
-        return {};
-    }
-    return safeItem->GetBody();
 }
 
 ItemHandler* MeetingHandler::CreateSameKind(Outlook::_MeetingItemPtr item) {

@@ -54,7 +54,6 @@ private:
     bool IsAppointmentOnSpotRDO_();
     bool DisplayWithRDO_();
     void SaveAppointmentWithRDO_();
-    _bstr_t ReadPlainText_();
 
     // Sending.
     bool SendWithRDO_();
