@@ -51,6 +51,20 @@ FaultOption ParseFault(const std::wstring& text) {
     return fault;
 }
 
+DeathOption ParseDeath(const std::wstring& text) {
+    const size_t colon = text.find(L':');
+    const size_t hash = text.find(L'#');
+    const std::wstring when = text.substr(0, colon);
+    if (colon == std::wstring::npos || (when != L"before" && when != L"after") || text.find(L'.') >= hash) {
+        Refuse(L"--die wants before or after, a colon and Class.Member or Class.Member#n, not \"" + text + L"\"");
+    }
+    DeathOption death{text.substr(colon + 1, hash == std::wstring::npos ? hash : hash - colon - 1), when == L"after"};
+    if (hash != std::wstring::npos) {
+        death.nth = ParseNumber(text.substr(hash + 1), 10, text);
+    }
+    return death;
+}
+
 ExplorerState ParseExplorer(const std::wstring& text) {
     static const std::map<std::wstring, ExplorerState> states = {
         {L"shown", ExplorerState::Shown}, {L"disabled", ExplorerState::Disabled}, {L"missing", ExplorerState::Missing}};
@@ -94,6 +108,7 @@ std::map<std::wstring, std::function<void(Value)>> ValueOptions(CommandLine& lin
             {L"--editor", [&](Value value) { line.outlook.editor = ParseEditor(value); }},
             {L"--record", [&](Value value) { line.record = value; }},
             {L"--fail", [&](Value value) { line.faults.push_back(ParseFault(value)); }},
+            {L"--die", [&](Value value) { line.deaths.push_back(ParseDeath(value)); }},
             {L"--meanwhile", [&](Value value) { line.deeds.push_back(ParseDeed(value)); }},
             {L"--until", [&](Value value) { line.until = value; }},
             {L"--wait", [&](Value value) { line.waitMs = 1000 * ParseNumber(value, 10, value); }}};
@@ -166,6 +181,8 @@ const char* Usage() {
            "  --strict-threads     refuse direct calls from other threads\n"
            "  --no-addins          load no add-in\n"
            "  --fail M=HRESULT[#n] let a member such as MailItem.Send fail, always or at its n-th call\n"
+           "  --die WHEN:M[#n]     end at once, without a look back and with the status 86, before or after the first (or\n"
+           "                       n-th) call of a member such as MailItem.Send; Transport.Submit is the item's leaving\n"
            "  --record FILE        write every call of the object model there\n"
            "  --figures            tell what the process holds after the first item, and after the last\n"
            "  --tell-shutdown      tell the add-ins of the end, as Outlook did before 2010\n";

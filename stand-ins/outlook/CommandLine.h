@@ -15,6 +15,13 @@ struct FaultOption {
     size_t nth = 0;
 };
 
+/// Where the command line tells outlook.exe to die: "after:MailItem.Send#2".
+struct DeathOption {
+    std::wstring member;
+    bool after = false;
+    size_t nth = 1;
+};
+
 /// What outlook.exe was told.
 struct CommandLine {
     OutlookOptions outlook;
@@ -29,6 +36,7 @@ struct CommandLine {
     std::vector<Deed> deeds;
     std::filesystem::path record; ///< empty: no calls are recorded
     std::vector<FaultOption> faults;
+    std::vector<DeathOption> deaths;
     std::vector<std::filesystem::path> items;
 };
 

@@ -27,6 +27,15 @@ void Faults::On(std::wstring_view member, Action action, size_t nth) {
     faults_.push_back({std::wstring(member), std::move(action), nth});
 }
 
+void Faults::After(std::wstring_view member, std::function<void()> action, size_t nth) {
+    const std::scoped_lock lock(lock_);
+    const auto act = [action = std::move(action)](const Call&) {
+        action();
+        return std::optional<_variant_t>();
+    };
+    after_.push_back({std::wstring(member), act, nth});
+}
+
 void Faults::AnswerInterface(std::wstring_view className, const IID& interfaceId) {
     const std::scoped_lock lock(lock_);
     interfaces_.emplace(className, interfaceId);
@@ -35,26 +44,35 @@ void Faults::AnswerInterface(std::wstring_view className, const IID& interfaceId
 void Faults::Clear() {
     const std::scoped_lock lock(lock_);
     faults_.clear();
+    after_.clear();
     interfaces_.clear();
 }
 
-std::optional<_variant_t> Faults::Apply(const Call& call) {
-    // The actions run outside the lock: they may call into the object model themselves.
+// The actions run outside the lock: they may call into the object model themselves.
+std::vector<Faults::Action> Faults::Due_(std::vector<Fault_>& faults, const Call& call) {
     std::vector<Action> due;
-    {
-        const std::scoped_lock lock(lock_);
-        for (Fault_& fault : faults_) {
-            if (IsMember(call.member, fault.member) && (++fault.calls == fault.nth || fault.nth == 0)) {
-                due.push_back(fault.action);
-            }
+    const std::scoped_lock lock(lock_);
+    for (Fault_& fault : faults) {
+        if (IsMember(call.member, fault.member) && (++fault.calls == fault.nth || fault.nth == 0)) {
+            due.push_back(fault.action);
         }
     }
-    for (const Action& action : due) {
+    return due;
+}
+
+std::optional<_variant_t> Faults::Apply(const Call& call) {
+    for (const Action& action : Due_(faults_, call)) {
         if (auto answer = action(call)) {
             return answer;
         }
     }
     return std::nullopt;
+}
+
+void Faults::ApplyAfter(const Call& call) {
+    for (const Action& action : Due_(after_, call)) {
+        action(call);
+    }
 }
 
 std::optional<HRESULT> Faults::ApplyToQuery(std::wstring_view className, const IID& interfaceId) {

@@ -29,12 +29,16 @@ public:
     /// The member answers the value and does nothing. A null object: `NoObject()`.
     void Answer(std::wstring_view member, const _variant_t& value, size_t nth = 0);
     void On(std::wstring_view member, Action action, size_t nth = 0);
+    /// Runs once the member has done its work, which it has not when it fails.
+    void After(std::wstring_view member, std::function<void()> action, size_t nth = 0);
     /// Objects of the class answer one more interface.
     void AnswerInterface(std::wstring_view className, const IID& interfaceId);
     void Clear();
 
     /// Asked by the object model at each call: what stands in, if anything.
     std::optional<_variant_t> Apply(const Call& call);
+    /// Told by the object model when a member has done its work.
+    void ApplyAfter(const Call& call);
     /// Asked at each QueryInterface: the result that stands in, if any.
     std::optional<HRESULT> ApplyToQuery(std::wstring_view className, const IID& interfaceId);
 
@@ -46,8 +50,11 @@ private:
         size_t calls = 0;
     };
 
+    std::vector<Action> Due_(std::vector<Fault_>& faults, const Call& call);
+
     std::mutex lock_;
     std::vector<Fault_> faults_;
+    std::vector<Fault_> after_;
     std::multimap<std::wstring, IID, std::less<>> interfaces_;
 };
 

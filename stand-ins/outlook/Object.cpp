@@ -160,6 +160,7 @@ HRESULT Object::Invoke(DISPID id, REFIID, LCID, WORD flags, DISPPARAMS* paramete
         session_->calls.Add(call);
         auto fault = session_->failures.Apply(call);
         _variant_t answer = fault ? *fault : RunBody(*road.body, *this, arguments);
+        session_->failures.ApplyAfter(call);
         if (result != nullptr) {
             *result = answer.Detach();
         }

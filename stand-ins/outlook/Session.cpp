@@ -194,6 +194,7 @@ void Session::Deliver(const RecordPtr& record) {
     }
     record->data.sent = true;
     Leave_(record);
+    failures.ApplyAfter(submission);
 }
 
 void Session::ReportCancelledSend() const {

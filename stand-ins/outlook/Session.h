@@ -45,10 +45,10 @@ public:
     void Delete(const RecordPtr& record);
     /// Raises ItemSend and, unless it is cancelled, sends: whether the item left. Failure: why it could not.
     bool Submit(const RecordPtr& record, IDispatch* item);
-    /// Sends without the event, as Extended MAPI does. Failure: why it could not.
-    void Deliver(const RecordPtr& record);
     /// Tells a program whose Send was cancelled what the options want.
     void ReportCancelledSend() const;
+    /// Sends without the event, as Extended MAPI does. Failure: why it could not.
+    void Deliver(const RecordPtr& record);
 
     /// The object that shows a record, of the item's kind.
     DispatchPtr Show(const RecordPtr& record);

@@ -29,6 +29,12 @@ void Say(std::wstring line) {
     std::fflush(stdout);
 }
 
+// As a crash or a power failure ends it: nothing more is written or told.
+void Die() {
+    constexpr UINT kDied = 86;
+    TerminateProcess(GetCurrentProcess(), kDied);
+}
+
 std::vector<std::wstring> Arguments() {
     int count = 0;
     wchar_t** list = CommandLineToArgvW(GetCommandLineW(), &count);
@@ -174,6 +180,14 @@ int Run(const CommandLine& line) {
     outlook.Calls().Enable(!line.record.empty());
     for (const FaultOption& fault : line.faults) {
         outlook.Failures().Fail(fault.member, fault.result, fault.nth);
+    }
+    for (const DeathOption& death : line.deaths) {
+        if (death.after) {
+            outlook.Failures().After(death.member, Die, death.nth);
+        } else {
+            outlook.Failures().On(
+                death.member, [](const Call&) { return (Die(), std::optional<_variant_t>()); }, death.nth);
+        }
     }
     std::optional<Reader> reader;
     if (line.readBoxes) {

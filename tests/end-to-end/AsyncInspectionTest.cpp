@@ -58,7 +58,6 @@ protected:
         const auto log = Log();
         return static_cast<std::size_t>(std::ranges::count(log, line));
     }
-    static HWND ExplorerWindow() { return FindWindowW(L"rctrl_renwnd32", L"Inbox - Outlook Data File - Outlook"); }
 };
 
 TEST_F(AsyncInspection, MailLeavesOnceTheAgentHasAnswered) {

@@ -162,6 +162,25 @@ OutlookRun Desk::Close() {
     return run;
 }
 
+void Desk::Kill() {
+    outlook_.reset();
+}
+
+std::optional<DWORD> Desk::AwaitEnd() {
+    if (!outlook_->EndsWithin(kPollMs * kReadyPolls)) {
+        return std::nullopt;
+    }
+    const DWORD status = outlook_->Wait();
+    outlook_.reset();
+    return status;
+}
+
+void Desk::StartAfresh() const {
+    fs::remove_all(folder_ / "profile");
+    fs::remove(folder_ / "add-in.log");
+    RegDeleteTreeW(HKEY_CURRENT_USER, kUnsent);
+}
+
 bool Desk::Await(const std::function<bool()>& condition) const {
     for (int polls = 0; !condition(); ++polls) {
         if (outlook_->EndsWithin(kPollMs) || polls == kReadyPolls) {
@@ -245,6 +264,10 @@ std::vector<std::wstring> Desk::Ledger() {
         RegCloseKey(key);
     }
     return ids;
+}
+
+HWND Desk::ExplorerWindow() {
+    return FindWindowW(L"rctrl_renwnd32", L"Inbox - Outlook Data File - Outlook");
 }
 
 bool Desk::Logged(const std::string& line) const {

@@ -52,10 +52,17 @@ protected:
     void Open(const std::vector<std::filesystem::path>& items, std::vector<std::wstring> options = {});
     /// Ends it, answering the boxes that are still to come.
     OutlookRun Close();
+    /// Ends it as a crash does.
+    void Kill();
+    /// Waits until it has ended by itself, and says how. Nothing when it goes on for longer than a test may take.
+    std::optional<DWORD> AwaitEnd();
     /// Waits until the condition holds. False: Outlook ended first, or the time for a test is over.
     bool Await(const std::function<bool()>& condition) const;
     /// Waits for a box of the add-in's and answers it. Nothing as above.
     std::optional<test_support::ShownBox> AwaitBox() const;
+
+    /// An empty profile, ledger and log, as before the first run. Outlook is closed.
+    void StartAfresh() const;
 
     std::vector<Json> Delivered() const;
     std::vector<Json> ItemsIn(const std::string& folder) const;
@@ -68,6 +75,8 @@ protected:
     static std::vector<std::wstring> Ledger();
 
     void SetOnSpot(bool on) const;
+    /// Of the Outlook that is open; null when it has none.
+    static HWND ExplorerWindow();
 
     std::filesystem::path folder_;
 

@@ -1,4 +1,6 @@
 // The DLL in a process that ends, or gives it back, while threads of the add-in run.
+#include <atomic>
+
 #include <comdef.h>
 
 #include <gtest/gtest.h>
@@ -88,9 +90,62 @@ std::wstring UnloadInMidInspection(const std::wstring& argument) {
 
 const test_support::ChildRoleName unloadInMidInspection(L"UnloadInMidInspection", UnloadInMidInspection);
 
+/// The same, but the user takes the add-in away and back while the first worker waits: what became of the mail, once
+/// both workers have ended.
+std::wstring ReconnectInMidInspection(const std::wstring& argument) {
+    const std::size_t bar = argument.find(L'|');
+    const HANDLE asked = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    const HANDLE answer = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+    std::atomic<int> inspections = 0;
+    stand_ins::AgentOptions options;
+    options.responder = [&](const stand_ins::Request& request) {
+        if (request.method == L"Inspect" && ++inspections == 1) {
+            SetEvent(asked);
+            WaitForSingleObject(answer, kLongMs);
+        }
+        return std::optional<stand_ins::Answer>();
+    };
+    const stand_ins::Agent agent(options);
+    std::wstring result;
+    {
+        stand_ins::Outlook outlook({.profile = argument.substr(bar + 1)});
+        AddInPtr addIn = LoadAddIn(argument.substr(0, bar));
+        addIn->OnConnection(outlook.Application(), ext_cm_Startup, nullptr, nullptr);
+        outlook.Send(outlook.NewMail({.subject = L"Plans", .recipients = {{.address = L"ben@example.com"}}}));
+        WaitForSingleObject(asked, kLongMs);
+        addIn->OnDisconnection(ext_dm_UserClosed, nullptr);
+        addIn = LoadAddIn(argument.substr(0, bar));
+        addIn->OnConnection(outlook.Application(), ext_cm_AfterStartup, nullptr, nullptr);
+        outlook.RunUntil([&] { return outlook.Delivered().size() == 1; }, kLongMs);
+        SetEvent(answer);
+        addIn->OnDisconnection(ext_dm_UserClosed, nullptr);
+        addIn.Release();
+        for (int loaded = 0; loaded < 2; ++loaded) {
+            FreeLibrary(GetModuleHandleW(L"OutlookQLTPlugin.dll"));
+        }
+        result += outlook.RunUntil([] { return !IsLoaded(); }, kLongMs) ? L"ended" : L"still there";
+        result += L", inspected " + std::to_wstring(inspections) + L" times, sent " +
+                  std::to_wstring(outlook.Delivered().size()) + L" times";
+    }
+    CloseHandle(asked);
+    CloseHandle(answer);
+    return result;
+}
+
+const test_support::ChildRoleName reconnectInMidInspection(L"ReconnectInMidInspection", ReconnectInMidInspection);
+
 class Module : public Desk {
 protected:
     static std::wstring PluginPath() { return (std::filesystem::path(L"Z:") / ADDIN_MODULE).make_preferred(); }
+    /// The result of a role, played in a program of Outlook's name.
+    std::wstring PlayInOutlook(const std::wstring& role) const {
+        wchar_t own[MAX_PATH] = L"";
+        GetModuleFileNameW(nullptr, own, MAX_PATH);
+        const auto outlook = folder_ / L"OUTLOOK.EXE";
+        std::filesystem::copy_file(own, outlook);
+        return test_support::ChildProcess(role, PluginPath() + L"|" + (folder_ / L"profile").wstring(), outlook)
+            .Result();
+    }
 };
 
 TEST_F(Module, ProcessThatEndsWhileThreadsLogEnds) {
@@ -101,14 +156,13 @@ TEST_F(Module, ProcessThatEndsWhileThreadsLogEnds) {
 }
 
 TEST_F(Module, WorkerKeepsItsCodeAndItsControllerUntilItEnds) {
-    wchar_t own[MAX_PATH] = L"";
-    GetModuleFileNameW(nullptr, own, MAX_PATH);
-    const auto outlook = folder_ / L"OUTLOOK.EXE";
-    std::filesystem::copy_file(own, outlook);
-    test_support::ChildProcess child(L"UnloadInMidInspection", PluginPath() + L"|" + (folder_ / L"profile").wstring(),
-                                     outlook);
-    EXPECT_EQ(child.Result(), L"asked, kept for its worker, then unloaded, mail in Drafts");
+    EXPECT_EQ(PlayInOutlook(L"UnloadInMidInspection"), L"asked, kept for its worker, then unloaded, mail in Drafts");
     EXPECT_EQ(Ledger().size(), 1u);
+}
+
+TEST_F(Module, MailInHandIsSentOnceWhenTheAddInGoesAndComesBack) {
+    EXPECT_EQ(PlayInOutlook(L"ReconnectInMidInspection"), L"ended, inspected 2 times, sent 1 times");
+    EXPECT_TRUE(Ledger().empty());
 }
 
 } // namespace

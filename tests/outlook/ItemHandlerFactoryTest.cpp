@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "agent/apps/outlook/TaskHandler.h"
 #include "foundation/Exception.h"
 #include "tests/outlook/OutlookTest.h"
 #include "tests/support/ExpectFailure.h"
@@ -52,12 +53,30 @@ TEST_F(ItemHandlerFactoryTest, AMeetingItemIsNeitherPassedNorTakenForAMail) {
                                                          L"Meeting items cannot be inspected");
 }
 
-TEST_F(ItemHandlerFactoryTest, ATaskRequestIsNotPassed) {
-    outlook->Failures().AnswerInterface(L"PostItem", __uuidof(Outlook::_TaskRequestItem));
-    const auto post = outlook->NewPost({});
-    test_support::ExpectFailure<NotImplementedException>([&] { Create(post); },
-                                                         L"vorlek::ItemHandlerFactory::TryToCreateTaskItem_",
-                                                         L"Task requests cannot be inspected");
+TEST_F(ItemHandlerFactoryTest, ATaskRequestGivesATaskHandlerOnThatRequest) {
+    const auto request = outlook->NewItem({.kind = stand_ins::ItemKind::TaskRequest, .subject = L"Paint"});
+    const auto handler = Create(request);
+    ASSERT_NE(dynamic_cast<TaskHandler*>(handler.get()), nullptr);
+    EXPECT_THAT(log.Texts(L"INFO"),
+                ElementsAre(L"Calling MeetingItem->QueryType", L"Calling MailItem->QueryType",
+                            L"Calling TaskItem->QueryType", L"Task item class IPM.TaskRequest is 2"));
+    EXPECT_EQ(log.Texts(L"DEBUG").back(), L"TaskItem wrapper was created successfully");
+    EXPECT_EQ(handler->GetSubject(), L"Paint");
+}
+
+TEST_F(ItemHandlerFactoryTest, ATaskItselfIsOfNoKnownKind) {
+    EXPECT_EQ(Create(outlook->NewItem({.kind = stand_ins::ItemKind::Task, .subject = L"Paint"})), nullptr);
+    EXPECT_THAT(Warnings(), IsEmpty());
+}
+
+TEST_F(ItemHandlerFactoryTest, ARequestThatCannotTellItsClassRaisesAndLetsGoOfTheItem) {
+    const auto request = outlook->NewItem({.kind = stand_ins::ItemKind::TaskRequest});
+    outlook->Failures().Fail(L"TaskRequestItem.MessageClass", E_FAIL);
+    request->AddRef();
+    const ULONG before = request->Release();
+    EXPECT_THROW(Create(request), _com_error);
+    request->AddRef();
+    EXPECT_EQ(request->Release(), before);
 }
 
 TEST_F(ItemHandlerFactoryTest, AnItemThatCannotSayWhatItIsRaises) {

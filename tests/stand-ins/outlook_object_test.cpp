@@ -104,6 +104,19 @@ TEST_F(OutlookObject, FaultsMeetOneCallOrOneKind) {
     EXPECT_EQ(ErrorOf([&] { GetText(mail, L"Subject"); }), S_OK);
 }
 
+TEST_F(OutlookObject, ActionsAfterAMemberComeOnceItHasDoneItsWork) {
+    const auto mail = Mail();
+    std::vector<std::wstring> seen;
+    outlook_.Failures().After(L"MailItem.Subject put", [&] { seen.push_back(GetText(mail, L"Subject")); }, 2);
+    Put(mail, L"Subject", L"First");
+    Put(mail, L"Subject", L"Second");
+    Put(mail, L"Subject", L"Third");
+    outlook_.Failures().After(L"MailItem.Body", [&] { seen.push_back(L"failed"); });
+    outlook_.Failures().Fail(L"MailItem.Body", E_ACCESSDENIED);
+    EXPECT_EQ(ErrorOf([&] { Put(mail, L"Body", L"Fourth"); }), E_ACCESSDENIED);
+    EXPECT_THAT(seen, ElementsAre(L"Second"));
+}
+
 TEST_F(OutlookObject, WhatAnActionThrowsComesOutAsItIs) {
     outlook_.Failures().On(L"MailItem.Subject",
                            [](const Call&) -> std::optional<_variant_t> { throw std::runtime_error("thrown"); });

@@ -27,6 +27,10 @@ TEST(OutlookCommandLine, AllOptionsAreUnderstood) {
                                                L"r.txt",
                                                L"--fail",
                                                L"MailItem.Send=0x80040119#2",
+                                               L"--die",
+                                               L"before:MailItem.Display",
+                                               L"--die",
+                                               L"after:MailItem.Send#3",
                                                L"--wait",
                                                L"5",
                                                L"--tell-shutdown",
@@ -52,6 +56,13 @@ TEST(OutlookCommandLine, AllOptionsAreUnderstood) {
     EXPECT_EQ(line.faults.at(0).member, L"MailItem.Send");
     EXPECT_EQ(line.faults.at(0).result, static_cast<HRESULT>(0x80040119));
     EXPECT_EQ(line.faults.at(0).nth, 2u);
+    ASSERT_EQ(line.deaths.size(), 2u);
+    EXPECT_EQ(line.deaths[0].member, L"MailItem.Display");
+    EXPECT_FALSE(line.deaths[0].after);
+    EXPECT_EQ(line.deaths[0].nth, 1u);
+    EXPECT_EQ(line.deaths[1].member, L"MailItem.Send");
+    EXPECT_TRUE(line.deaths[1].after);
+    EXPECT_EQ(line.deaths[1].nth, 3u);
     EXPECT_EQ(line.waitMs, 5000u);
     EXPECT_TRUE(line.outlook.keepsEntryIdOnMove);
     EXPECT_TRUE(line.earlyExplorer);
@@ -83,6 +94,10 @@ TEST(OutlookCommandLine, WhatIsNotUnderstoodIsRefusedInOneLine) {
     EXPECT_EQ(RefusalOf({L"--fail", L"MailItem.Send"}),
               "--fail wants Class.Member=0xHRESULT or Class.Member=0xHRESULT#n, not \"MailItem.Send\"");
     EXPECT_EQ(RefusalOf({L"--fail", L"MailItem.Send=0"}), "the HRESULT of \"MailItem.Send=0\" is no failure");
+    EXPECT_EQ(RefusalOf({L"--die", L"during:MailItem.Send"}),
+              "--die wants before or after, a colon and Class.Member or Class.Member#n, not \"during:MailItem.Send\"");
+    EXPECT_EQ(RefusalOf({L"--die", L"after:Send"}),
+              "--die wants before or after, a colon and Class.Member or Class.Member#n, not \"after:Send\"");
     EXPECT_EQ(RefusalOf({L"--meanwhile", L"edit"}),
               "--meanwhile wants edit, move, delete or close-explorer, a colon and a text, not \"edit\"");
     EXPECT_EQ(RefusalOf({L"--meanwhile", L"burn:Plans"}),

@@ -92,6 +92,7 @@ TEST_F(OutlookSend, ProgramsSendRaisesTheEventTooAndHearsOfACancel) {
     Sink sink(outlook_.Application(), [&](IDispatch*) { return cancel; });
     const auto mail = Mail();
     EXPECT_EQ(ErrorOf([&] { Invoke(mail, L"Send"); }), E_ABORT);
+    EXPECT_THAT(outlook_.ItemsIn(L"Drafts"), SizeIs(1));
     cancel = false;
     EXPECT_EQ(ErrorOf([&] { Invoke(mail, L"Send"); }), S_OK);
     EXPECT_EQ(sink.calls, 2);
@@ -142,6 +143,20 @@ TEST_F(OutlookSend, TransportThatFailsLeavesTheItemInDrafts) {
     EXPECT_EQ(result.error, kExtendedError);
     EXPECT_THAT(outlook_.Delivered(), IsEmpty());
     EXPECT_THAT(outlook_.ItemsIn(L"Drafts"), SizeIs(1));
+}
+
+TEST_F(OutlookSend, SubmissionIsOverWhenTheItemHasLeft) {
+    const auto mail = Mail();
+    std::vector<size_t> counts;
+    const auto count = [&] {
+        counts.push_back(outlook_.Delivered().size());
+        counts.push_back(outlook_.ItemsIn(L"Drafts").size());
+    };
+    Invoke(mail, L"Save");
+    outlook_.Failures().On(L"Transport.Submit", [&](const Call&) { return (count(), std::optional<_variant_t>()); });
+    outlook_.Failures().After(L"Transport.Submit", count);
+    outlook_.Send(mail);
+    EXPECT_THAT(counts, testing::ElementsAre(0u, 1u, 1u, 0u));
 }
 
 TEST_F(OutlookSend, SentItemIsDead) {

@@ -33,7 +33,7 @@ using platform::LateBound;
 
 enum OlDefaultFolders : long { olFolderOutbox = 4, olFolderSentMail = 5, olFolderDrafts = 16 };
 enum OlBodyFormat : long { olFormatPlain = 1, olFormatHTML = 2, olFormatRichText = 3 };
-enum OlInspectorClose : long { olSave = 0 };
+enum OlInspectorClose : long { olSave = 0, olDiscard = 1 };
 
 struct _Account : LateBound {
     _bstr_t GetSmtpAddress() { return Get_<_bstr_t>(L"SmtpAddress"); }
@@ -114,6 +114,7 @@ struct _Inspector : LateBound {
 struct OutgoingItem : LateBound {
     IDispatchPtr GetParent() { return Get_<IDispatchPtr>(L"Parent"); }
     _bstr_t GetEntryID() { return Get_<_bstr_t>(L"EntryID"); }
+    _bstr_t GetMessageClass() { return Get_<_bstr_t>(L"MessageClass"); }
     _bstr_t GetSubject() { return Get_<_bstr_t>(L"Subject"); }
     void PutSubject(const _bstr_t& subject) { Put_(L"Subject", subject); }
     _bstr_t GetBody() { return Get_<_bstr_t>(L"Body"); }
@@ -124,7 +125,10 @@ struct OutgoingItem : LateBound {
     _InspectorPtr GetInspector() { return Get_<_InspectorPtr>(L"GetInspector"); }
     void Close(OlInspectorClose mode) { Do_(L"Close", static_cast<long>(mode)); }
     IDispatchPtr Copy() { return Call_<IDispatchPtr>(L"Copy"); }
-    void Delete() { Do_(L"Delete"); }
+    HRESULT Delete() {
+        Do_(L"Delete");
+        return S_OK;
+    }
     void Display(const _variant_t& modal) { Do_(L"Display", modal); }
     void Save() { Do_(L"Save"); }
     HRESULT Send() {

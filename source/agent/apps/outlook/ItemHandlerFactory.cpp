@@ -1,6 +1,7 @@
 #include "agent/apps/outlook/ItemHandlerFactory.h"
 
 #include "agent/apps/outlook/MessageHandler.h"
+#include "agent/apps/outlook/TaskHandler.h"
 #include "foundation/Log.h"
 #include "foundation/Log4CxxHelper.h"
 #include "foundation/Throw.h"
@@ -50,11 +51,7 @@ ItemHandler* ItemHandlerFactory::TryToCreateMailItem_(IDispatchPtr item) {
 
 ItemHandler* ItemHandlerFactory::TryToCreateTaskItem_(IDispatchPtr item) {
     LOG_INFO(logger_, L"Calling TaskItem->QueryType");
-    if (AnswersInterface(item, __uuidof(Outlook::_TaskRequestItem))) {
-        Throw<NotImplementedException>(L"vorlek::ItemHandlerFactory::TryToCreateTaskItem_",
-                                       L"Task requests cannot be inspected");
-    }
-    return nullptr;
+    return TaskHandler::QueryType(item) ? new TaskHandler(item) : nullptr;
 }
 
 } // namespace vorlek

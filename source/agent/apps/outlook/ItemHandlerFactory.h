@@ -12,8 +12,8 @@ public:
     ItemHandlerFactory();
 
     /// A new handler, the caller's; null for a null item or one of another kind. Raises _com_error if an
-    /// item cannot say what it is, and NotImplementedException for a meeting item or a task request, which
-    /// must not leave as if they were of a kind that needs no inspection.
+    /// item cannot say what it is, and NotImplementedException for a meeting item, which must not leave
+    /// as if it were of a kind that needs no inspection.
     ItemHandler* CreateItemHandler(IDispatchPtr item);
 
 private:

@@ -35,6 +35,13 @@ Pointer CreateRedemptionObject(const wchar_t* progId, const wchar_t* noClass, co
     return object;
 }
 
+/// What replacing the attachments of an item says of its failures.
+inline constexpr BorderPhrases kReplacingAttachments = {
+    .exception = {},
+    .comError = {L"Caught a com exception while replacing attachments: "},
+    .stdException = {L"Caught an exception while replacing attachments: "},
+    .other = {L"Caught an exception while replacing attachments - Unknown error."}};
+
 /// Holds an item of Outlook's, T being its smart pointer, with what reads the same for a mail, a meeting
 /// item and a task request.
 template <class T>
@@ -70,6 +77,9 @@ protected:
     virtual void ModifyAttachmentCollection_(Redemption::IRDOMailPtr mail,
                                              const InspectionDecision::Attachments& attachments);
 
+    /// The item's own text, from Outlook 2007 on; where that is empty, and before, the text of Redemption's view.
+    /// Without a view: empty.
+    _bstr_t ReadPlainText_(const log4cxx::LoggerPtr& logger);
     /// Redemption's view of the item, null if there is none; failures are logged.
     IDispatchPtr GetRDOObject();
 
@@ -254,6 +264,21 @@ IDispatchPtr ItemWrapper<T>::GetRDOObject() {
               }
           });
     return view;
+}
+
+template <class T>
+_bstr_t ItemWrapper<T>::ReadPlainText_(const log4cxx::LoggerPtr& logger) {
+    if (!GlobalConfig::IsOutlookBefore2007() && Item_) {
+        if (const _bstr_t body = Item_->GetBody(); body.length() != 0) {
+            return body;
+        }
+    }
+    const Redemption::ISafeItemPtr safeItem = GetSafeItem();
+    if (!safeItem) {
+        LOG_ERROR(logger, L"Failed to retrieve Redemption SafeItem => exporting an empty text");
+        return {};
+    }
+    return safeItem->GetBody();
 }
 
 template <class T>

@@ -148,7 +148,7 @@ Redemption::ISafeItemPtr MessageHandler::GetSafeItem() {
 }
 
 void MessageHandler::ExportBody(std::wstring& path, _bstr_t& plainText) {
-    plainText = ReadPlainText_();
+    plainText = ReadPlainText_(logger_);
     LOG_INFO(logger_, L"ExportBody (message) after doing correct GetSafeItem.length=" << plainText.length());
     if (!Item_) {
         LOG_ERROR(logger_, L"(message)Item_ is NULL");
@@ -168,20 +168,6 @@ void MessageHandler::ExportBody(std::wstring& path, _bstr_t& plainText) {
     default:
         break;
     }
-}
-
-_bstr_t MessageHandler::ReadPlainText_() {
-    if (!GlobalConfig::IsOutlookBefore2007() && Item_) {
-        if (const _bstr_t body = Item_->GetBody(); body.length() != 0) {
-            return body;
-        }
-    }
-    const Redemption::ISafeItemPtr safeItem = GetSafeItem();
-    if (!safeItem) {
-        LOG_ERROR(logger_, L"Failed to retrieve Redemption SafeItem => exporting an empty text");
-        return {};
-    }
-    return safeItem->GetBody();
 }
 
 std::wstring MessageHandler::ExportHtml_() {
@@ -263,19 +249,14 @@ Redemption::IRDOMailPtr MessageHandler::GetLabelledMail_() {
 
 bool MessageHandler::OverrideItemAttachments(const InspectionDecision::Attachments& attachments) {
     bool replaced = false;
-    Guard(logger_, LOG_SITE,
-          {.exception = {},
-           .comError = {L"Caught a com exception while replacing attachments: "},
-           .stdException = {L"Caught an exception while replacing attachments: "},
-           .other = {L"Caught an exception while replacing attachments - Unknown error."}},
-          [&] {
-              if (GlobalConfig::IsOutlookBefore2007()) {
-                  ModifyAttachmentCollection_(Redemption::IRDOMailPtr(GetRDOObject()), attachments);
-                  replaced = true;
-              } else {
-                  replaced = ModifyAttachmentCollection_(Item_->GetAttachments(), attachments);
-              }
-          });
+    Guard(logger_, LOG_SITE, kReplacingAttachments, [&] {
+        if (GlobalConfig::IsOutlookBefore2007()) {
+            ModifyAttachmentCollection_(Redemption::IRDOMailPtr(GetRDOObject()), attachments);
+            replaced = true;
+        } else {
+            replaced = ModifyAttachmentCollection_(Item_->GetAttachments(), attachments);
+        }
+    });
     return replaced;
 }
 

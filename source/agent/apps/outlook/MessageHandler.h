@@ -32,7 +32,6 @@ private:
     bool LeaveLedger_(bool& sent);
     void SendThroughOutlook_();
     void GiveBackToUser_();
-    _bstr_t ReadPlainText_();
     std::wstring ExportHtml_();
     std::wstring ExportRichText_();
     Redemption::IRDOMailPtr GetLabelledMail_();
