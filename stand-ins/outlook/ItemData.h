@@ -55,8 +55,7 @@ struct ItemData {
     Properties properties = {};
     std::vector<std::pair<std::wstring, std::wstring>> headers = {}; ///< of the mail it came from, kept for delivery
 
-    std::wstring relatedId = {};     ///< of a task request: the EntryID of its task; empty: it has none
-    std::wstring subjectPrefix = {}; ///< of a task request: what its subject has before that of its task
+    std::wstring relatedId = {}; ///< of a task request: the EntryID of its task; empty: it has none
     std::vector<ItemData> related =
         {}; ///< of a task request not yet opened: its task, which becomes an item of its own
 

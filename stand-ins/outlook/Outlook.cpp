@@ -28,7 +28,7 @@ std::shared_ptr<ItemRecord> MakeRecord(Session& session, ItemData item, FolderPa
     if (!related.empty()) {
         const auto task = MakeRecord(session, related[0], HomeOf(related[0]));
         session.Save(task);
-        LinkToTask(*record, task);
+        record->related = task;
     }
     return record;
 }
@@ -105,17 +105,18 @@ SendResult Outlook::Send(const DispatchPtr& item) {
         record->CheckAlive();
         session_->OpenInspector(record);
         result.outcome = session_->Submit(record, item) ? SendResult::Outcome::Sent : SendResult::Outcome::Stopped;
-        // Whoever cancelled may have taken the item away or sent it himself.
-        if (result.outcome == SendResult::Outcome::Stopped && !record->dead) {
-            session_->Save(record);
-        }
         session_->LetWordClose();
     } catch (const Failure& failure) {
         result.error = failure.result;
         result.reason = failure.words;
-        if (!record->dead) {
-            session_->Save(record); // it stays on the screen; should the program end, it is in Drafts
+    }
+    // Unless it was sent, or whoever stopped it took it away, it stays on the screen. Should the program end, it is in
+    // Drafts, and what it is about has a place, too.
+    if (!record->dead) {
+        if (record->related && !record->related->dead) {
+            session_->Save(record->related);
         }
+        session_->Save(record);
     }
     if (!record->dead) {
         result.entryId = record->data.entryId;
