@@ -1,7 +1,6 @@
 #include "stand-ins/outlook/Application.h"
 
-#include <algorithm>
-#include <iterator>
+#include <map>
 
 #include "stand-ins/outlook/ConnectionPoint.h"
 #include "stand-ins/outlook/Explorer.h"
@@ -23,20 +22,14 @@ DispatchPtr ActiveInspector(Application& self) {
     return inspectors.empty() ? DispatchPtr() : Make<Inspector>(self.SharedOwner(), inspectors.back());
 }
 
-DispatchPtr CreateItem(Application& self, long kind) {
-    struct Creatable {
-        long number;
-        ItemKind kind;
-        DefaultFolder folder;
-    };
-    static constexpr Creatable kinds[] = {
-        {0, ItemKind::Mail, Drafts}, {3, ItemKind::Task, Tasks}, {6, ItemKind::Post, Drafts}};
-    const auto* const found = std::ranges::find(kinds, kind, &Creatable::number);
-    if (found == std::end(kinds)) {
+DispatchPtr CreateItem(Application& self, long number) {
+    const std::map<long, ItemKind> kinds = {
+        {0, ItemKind::Mail}, {1, ItemKind::Appointment}, {3, ItemKind::Task}, {6, ItemKind::Post}};
+    const auto kind = kinds.find(number);
+    if (kind == kinds.end()) {
         throw Failure{E_INVALIDARG, L"Items of this kind cannot be created."};
     }
-    return self.Owner().Show(
-        std::make_shared<ItemRecord>(ItemData{.kind = found->kind}, Store::DefaultFolderPath(found->folder)));
+    return self.Owner().Show(std::make_shared<ItemRecord>(ItemData{.kind = kind->second}, Store::HomeOf(kind->second)));
 }
 
 DispatchPtr MapiSession(Application& self) {

@@ -40,6 +40,9 @@ std::wstring Inspector::CaptionOf(const ItemData& item) {
     if (item.kind == ItemKind::Task || item.kind == ItemKind::TaskRequest) {
         return subject + L" - Task";
     }
+    if (item.kind == ItemKind::Meeting || item.kind == ItemKind::Appointment) {
+        return subject + L" - Meeting";
+    }
     const wchar_t* format = item.bodyFormat == Html       ? L"HTML"
                             : item.bodyFormat == RichText ? L"Rich Text"
                                                           : L"Plain Text";

@@ -22,7 +22,7 @@ const wchar_t* KnownInterfaceName(const GUID& id) {
         {kMailItemId, L"_MailItem"},
         {kTaskItemId, L"_TaskItem"},
         {kTaskRequestItemId, L"_TaskRequestItem"},
-        {OutlookId(0x00063062), L"_MeetingItem"},
+        {kMeetingItemId, L"_MeetingItem"},
         {kRecipientsId, L"Recipients"},
         {kAttachmentsId, L"Attachments"},
         {kFoldersId, L"_Folders"},

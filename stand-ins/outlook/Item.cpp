@@ -95,6 +95,10 @@ const Class& ClassOfKind(ItemKind kind) {
     switch (kind) {
     case ItemKind::Post:
         return PostItemClass();
+    case ItemKind::Meeting:
+        return MeetingItemClass();
+    case ItemKind::Appointment:
+        return AppointmentItemClass();
     case ItemKind::Task:
         return TaskItemClass();
     case ItemKind::TaskRequest:

@@ -41,12 +41,17 @@ std::shared_ptr<ItemRecord> RecordOf(IDispatch* object);
 /// it fails with E_ABORT, as if the user had chosen to go on writing.
 void CloseItem(Session& session, const std::shared_ptr<ItemRecord>& record, long mode);
 
+/// A program's Send of an item that goes as it is: the item is dead, or everything stays and the caller hears of it.
+void SendByProgram(Item& item);
+
 /// The members that all items have.
 const Class& ItemClass();
 /// Those and the ones of items that somebody is named in to receive them.
 const Class& SentItemClass();
 /// Those of one kind, with its interface.
 const Class& MailItemClass();
+const Class& MeetingItemClass();
+const Class& AppointmentItemClass();
 const Class& PostItemClass();
 const Class& TaskItemClass();
 const Class& TaskRequestItemClass();

@@ -21,6 +21,8 @@ struct KindNames {
 constexpr KindNames kKinds[] = {
     {ItemKind::Mail, "mail", L"IPM.Note"},
     {ItemKind::Post, "post", L"IPM.Post"},
+    {ItemKind::Meeting, "meeting", L"IPM.Schedule.Meeting.Request"},
+    {ItemKind::Appointment, "appointment", L"IPM.Appointment"},
     {ItemKind::Task, "task", L"IPM.Task"},
     {ItemKind::TaskRequest, "taskRequest", L"IPM.TaskRequest"},
 };
@@ -189,6 +191,25 @@ void ReadKind(const Reader& reader, ItemData& item) {
     item.kind = known->kind;
 }
 
+void ReadMeeting(const Reader& reader, ItemData& item) {
+    reader.Read("start", item.start);
+    reader.Read("end", item.end);
+    reader.Read("location", item.location);
+    reader.Read("recurrenceState", item.recurrenceState);
+    if (item.recurrenceState < NotRecurring || item.recurrenceState > Exception) {
+        reader.Refuse("recurrenceState", "not 0 (none), 1 (series), 2 (occurrence) or 3 (exception)");
+    }
+    reader.Read("linkBroken", item.linkBroken);
+}
+
+void WriteMeeting(const ItemData& item, Json& json) {
+    json["start"] = ToUtf8(item.start);
+    json["end"] = ToUtf8(item.end);
+    json["location"] = ToUtf8(item.location);
+    json["recurrenceState"] = item.recurrenceState;
+    json["linkBroken"] = item.linkBroken;
+}
+
 void ReadBodies(const Reader& reader, ItemData& item) {
     reader.Read("bodyFormat", item.bodyFormat);
     if (item.bodyFormat < 0 || item.bodyFormat > 3) {
@@ -247,6 +268,9 @@ nlohmann::json ToJson(const ItemData& item) {
     for (const auto& [name, value] : item.headers) {
         json["headers"].push_back({ToUtf8(name), ToUtf8(value)});
     }
+    if (item.kind == ItemKind::Meeting || item.kind == ItemKind::Appointment) {
+        WriteMeeting(item, json);
+    }
     if (!item.relatedId.empty()) {
         json["relatedId"] = ToUtf8(item.relatedId);
     }
@@ -261,6 +285,7 @@ ItemData FromJson(const nlohmann::json& json) {
     ItemData item;
     ReadKind(reader, item);
     ReadBodies(reader, item);
+    ReadMeeting(reader, item);
     reader.Read("messageClass", item.messageClass);
     reader.Read("subject", item.subject);
     reader.Read("fromName", item.fromName);

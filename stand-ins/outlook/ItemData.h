@@ -8,7 +8,12 @@
 
 namespace stand_ins {
 
-enum class ItemKind { Mail, Post, Task, TaskRequest };
+/// A meeting is what travels between people: a request, a response, a cancellation, a forwarded request, told apart by
+/// the message class. An appointment is what stands in a calendar.
+enum class ItemKind { Mail, Post, Meeting, Appointment, Task, TaskRequest };
+
+/// Of an appointment: not recurring, the series itself, one of it, one of it that differs from the rest.
+enum RecurrenceState : long { NotRecurring = 0, Master = 1, Occurrence = 2, Exception = 3 };
 
 enum BodyFormat : long { Plain = 1, Html = 2, RichText = 3 };
 
@@ -55,9 +60,15 @@ struct ItemData {
     Properties properties = {};
     std::vector<std::pair<std::wstring, std::wstring>> headers = {}; ///< of the mail it came from, kept for delivery
 
-    std::wstring relatedId = {}; ///< of a task request: the EntryID of its task; empty: it has none
+    std::wstring start = {}; ///< of a meeting or appointment, in its own time zone: 2026-11-30T10:00
+    std::wstring end = {};
+    std::wstring location = {};
+    long recurrenceState = NotRecurring; ///< of an appointment
+    bool linkBroken = false;             ///< of a meeting: Outlook does not find the appointment by itself
+
+    std::wstring relatedId = {}; ///< EntryID of a task request's task or a meeting's appointment; empty: none
     std::vector<ItemData> related =
-        {}; ///< of a task request not yet opened: its task, which becomes an item of its own
+        {}; ///< of an item not yet opened: the task or appointment, which becomes an item of its own
 
     std::wstring entryId = {};       ///< empty until the first save
     double lastModificationTime = 0; ///< OLE date, local; 0 before the first save

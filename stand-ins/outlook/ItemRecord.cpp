@@ -29,7 +29,7 @@ void ItemRecord::Reset(ItemData item) {
 ItemData ItemRecord::Snapshot() const {
     ItemData item = data;
     if (related) {
-        item.relatedId = related->data.entryId;
+        item.relatedId = related->data.entryId.empty() ? related->futureId : related->data.entryId;
     }
     for (const auto& recipient : recipients) {
         item.recipients.push_back(*recipient);

@@ -33,6 +33,7 @@ public:
     std::vector<std::shared_ptr<AttachmentData>> attachments;
     std::shared_ptr<ItemRecord> related; ///< the open item that this one is about, which may not be saved yet
     FolderPath folder;
+    std::wstring futureId = {}; ///< the EntryID that the first save gives, where somebody refers to it before
     bool dirty = true;
     bool dead = false;
 };

@@ -1,7 +1,6 @@
 #include "stand-ins/outlook/Failure.h"
 #include "stand-ins/outlook/Interfaces.h"
 #include "stand-ins/outlook/Item.h"
-#include "stand-ins/outlook/Session.h"
 
 namespace stand_ins {
 namespace {
@@ -39,16 +38,6 @@ void SetRtf(Item& item, const _variant_t& value) {
     item.Changing().SetRtfBody({static_cast<const char*>(value.parray->pvData), value.parray->rgsabound[0].cElements});
 }
 
-// A program's Send: the window closes, or everything stays as it is and the caller hears of it.
-void Send(Item& item) {
-    if (!item.Owner().Submit(item.Record(), &item)) {
-        if (!item.Record()->dead) {
-            item.Owner().Save(item.Record());
-        }
-        item.Owner().ReportCancelledSend();
-    }
-}
-
 ClassOf<Item> BuildMailItemClass() {
     ClassOf<Item> members(L"MailItem", kMailItemId, &SentItemClass());
     members.Get(L"Class", [](Item&) { return _variant_t(kMailClass); })
@@ -66,7 +55,7 @@ ClassOf<Item> BuildMailItemClass() {
         .Get(L"To", [](Item& item) { return TextValue(Names(item.Alive(), 1)); })
         .Get(L"CC", [](Item& item) { return TextValue(Names(item.Alive(), 2)); })
         .Get(L"BCC", [](Item& item) { return TextValue(Names(item.Alive(), 3)); })
-        .Call(L"Send", 0, 0, [](Item& item, const Arguments&) { Send(item); });
+        .Call(L"Send", 0, 0, [](Item& item, const Arguments&) { SendByProgram(item); });
     return members;
 }
 

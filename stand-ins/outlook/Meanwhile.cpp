@@ -15,7 +15,8 @@ constexpr const wchar_t* kArchive = L"Archive";
 constexpr const wchar_t* kAddition = L"One more thing: see you on Friday.";
 
 void Edit(const DispatchPtr& item) {
-    if (GetNumber(item, L"BodyFormat") == Html) {
+    const bool isMail = GetText(item, L"MessageClass").starts_with(L"IPM.Note");
+    if (isMail && GetNumber(item, L"BodyFormat") == Html) {
         Put(item, L"HTMLBody", (GetText(item, L"HTMLBody") + L"<p>" + kAddition + L"</p>").c_str());
     } else {
         Put(item, L"Body", (GetText(item, L"Body") + L"\r\n" + kAddition).c_str());
@@ -76,10 +77,12 @@ Meanwhile::Meanwhile(Outlook& outlook, std::vector<Deed> deeds)
         watch->SeeSearch(call);
         return std::optional<_variant_t>();
     });
-    outlook.Failures().On(L"MailItem.LastModificationTime", [watch = watch_](const Call& call) {
-        watch->SeeReading(call);
-        return std::optional<_variant_t>();
-    });
+    for (const wchar_t* reading : {L"MailItem.LastModificationTime", L"AppointmentItem.LastModificationTime"}) {
+        outlook.Failures().On(reading, [watch = watch_](const Call& call) {
+            watch->SeeReading(call);
+            return std::optional<_variant_t>();
+        });
+    }
 }
 
 void Meanwhile::DoDue() {
@@ -99,7 +102,11 @@ void Meanwhile::DoDue() {
 
 void Meanwhile::DoTo_(const std::wstring& entryId) {
     const DispatchPtr session = GetObject(outlook_.Application(), L"Session");
-    const DispatchPtr item(Invoke(session, L"GetItemFromID", {entryId.c_str()}));
+    DispatchPtr item(Invoke(session, L"GetItemFromID", {entryId.c_str()}));
+    if (GetText(item, L"MessageClass").starts_with(L"IPM.Schedule.Meeting.")) {
+        // What the user sees of a meeting is its appointment.
+        item = Invoke(item, L"GetAssociatedAppointment", {_variant_t(false)});
+    }
     for (const Deed& deed : deeds_) {
         if (GetText(item, L"Subject").find(deed.text) != std::wstring::npos ||
             GetText(item, L"Body").find(deed.text) != std::wstring::npos) {

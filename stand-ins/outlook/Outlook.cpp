@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "stand-ins/outlook/Failure.h"
+#include "stand-ins/outlook/Invitation.h"
 #include "stand-ins/outlook/Item.h"
 #include "stand-ins/outlook/Session.h"
 #include "stand-ins/outlook/TaskRequest.h"
@@ -16,19 +17,17 @@ FolderPath PathOf(const std::wstring& folder) {
     return folder.find(L'\\') == std::wstring::npos ? FolderPath(kDefaultStore) / folder : FolderPath(folder);
 }
 
-FolderPath HomeOf(const ItemData& item) {
-    return Store::DefaultFolderPath(item.kind == ItemKind::Task ? Tasks : Drafts);
-}
-
 // The item in memory; what it brings along is saved.
 std::shared_ptr<ItemRecord> MakeRecord(Session& session, ItemData item, FolderPath folder) {
     item.entryId.clear();
     const std::vector<ItemData> related = std::exchange(item.related, {});
     const auto record = std::make_shared<ItemRecord>(std::move(item), std::move(folder));
     if (!related.empty()) {
-        const auto task = MakeRecord(session, related[0], HomeOf(related[0]));
-        session.Save(task);
-        record->related = task;
+        const auto other = MakeRecord(session, related[0], Store::HomeOf(related[0].kind));
+        session.Save(other);
+        record->related = other;
+    } else if (record->data.kind == ItemKind::Meeting && record->data.relatedId.empty()) {
+        AddToCalendar(session, *record);
     }
     return record;
 }
@@ -64,7 +63,7 @@ DispatchPtr Outlook::Application() const {
 }
 
 DispatchPtr Outlook::NewItem(ItemData data) {
-    FolderPath folder = HomeOf(data);
+    FolderPath folder = Store::HomeOf(data.kind);
     const std::scoped_lock lock(session_->lock);
     return session_->Show(MakeRecord(*session_, std::move(data), std::move(folder)));
 }
@@ -104,7 +103,9 @@ SendResult Outlook::Send(const DispatchPtr& item) {
     try {
         record->CheckAlive();
         session_->OpenInspector(record);
-        result.outcome = session_->Submit(record, item) ? SendResult::Outcome::Sent : SendResult::Outcome::Stopped;
+        const bool left =
+            record->data.kind == ItemKind::Appointment ? Invite(*session_, record) : session_->Submit(record, item);
+        result.outcome = left ? SendResult::Outcome::Sent : SendResult::Outcome::Stopped;
         session_->LetWordClose();
     } catch (const Failure& failure) {
         result.error = failure.result;
@@ -112,7 +113,7 @@ SendResult Outlook::Send(const DispatchPtr& item) {
     }
     // Unless it was sent, or whoever stopped it took it away, it stays on the screen. Should the program end, it is in
     // Drafts, and what it is about has a place, too.
-    if (!record->dead) {
+    if (result.outcome != SendResult::Outcome::Sent && !record->dead) {
         if (record->related && !record->related->dead) {
             session_->Save(record->related);
         }
@@ -130,6 +131,10 @@ bool Outlook::RaiseItemSend(IDispatch* item, bool cancel) {
 
 void Outlook::AddStore(const std::wstring& name, const std::vector<std::wstring>& folders) {
     session_->store.AddStore(name, folders);
+}
+
+void Outlook::AddSharedCalendar(const std::wstring& person) {
+    session_->store.AddSharedCalendar(person);
 }
 
 std::vector<ItemData> Outlook::ItemsIn(const std::wstring& folder) const {

@@ -47,8 +47,8 @@ public:
 
     /// The Application object.
     DispatchPtr Application() const;
-    /// A new item, not saved: its EntryID is empty and no inspector shows it. A task that a task request brings along
-    /// is saved among the tasks.
+    /// A new item, not saved: its EntryID is empty and no inspector shows it. The task or appointment that an item
+    /// brings along is saved where its kind stands; a meeting that neither brings nor names an appointment gets one.
     DispatchPtr NewItem(ItemData data);
     DispatchPtr NewMail(ItemData data);
     DispatchPtr NewPost(ItemData data);
@@ -58,7 +58,8 @@ public:
     DispatchPtr SavedItem(ItemData data, const std::wstring& folder = L"Drafts");
 
     /// The user opens the item and presses Send: ItemSend is raised, Cancel obeyed. A stopped item is saved and stays
-    /// on the screen, unless somebody closed it meanwhile. Of a task what is sent, and stays, is a new request.
+    /// on the screen, unless somebody closed it meanwhile. Of a task what is sent, and stays, is a new request;
+    /// of an appointment it is an invitation, which does not stay.
     /// Failure: std::invalid_argument for what is no item.
     SendResult Send(const DispatchPtr& item);
     /// Raises ItemSend alone, with any object or none; the result is Cancel.
@@ -66,6 +67,9 @@ public:
 
     /// One more store, with folders of its own.
     void AddStore(const std::wstring& name, const std::vector<std::wstring>& folders);
+    /// A calendar that another person, known by his name, shares with this user; a folder by the name of the person:
+    /// "Anna\\Calendar".
+    void AddSharedCalendar(const std::wstring& person);
     /// The saved items of a folder; "Sent Items" of the default store, or "Store\\Folder".
     std::vector<ItemData> ItemsIn(const std::wstring& folder) const;
     /// The items that left, oldest first.

@@ -26,15 +26,22 @@ public:
         record_->dirty = true;
         return recipient;
     }
+    /// The recipient behind an object; null for any other object.
+    static const Recipient* Behind(IDispatch* object);
+
     const std::shared_ptr<ItemRecord>& Record() const { return record_; }
     const std::shared_ptr<RecipientData>& Data() const { return recipient_; }
+
+protected:
+    void* OwnInterface(REFIID interfaceId) override;
 
 private:
     std::shared_ptr<ItemRecord> record_;
     std::shared_ptr<RecipientData> recipient_;
 };
 
-/// Resolves a recipient that has an address, or whose name is one. Whether it is resolved now.
-bool Resolve(RecipientData& recipient);
+/// Resolves a recipient that has an address, whose name is one, or who shares his calendar and is known by that.
+/// Whether it is resolved now.
+bool Resolve(const Session& session, RecipientData& recipient);
 
 } // namespace stand_ins

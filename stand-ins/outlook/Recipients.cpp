@@ -3,6 +3,7 @@
 #include "stand-ins/outlook/Failure.h"
 #include "stand-ins/outlook/Interfaces.h"
 #include "stand-ins/outlook/Recipient.h"
+#include "stand-ins/outlook/Session.h"
 
 namespace stand_ins {
 
@@ -49,7 +50,7 @@ void Recipients::Remove(long index) {
 bool Recipients::ResolveAll() {
     bool all = true;
     for (const auto& recipient : Alive().recipients) {
-        all = Resolve(*recipient) && all;
+        all = Resolve(Owner(), *recipient) && all;
     }
     return all;
 }

@@ -31,6 +31,15 @@ ClassOf<Item> BuildSentItemClass() {
 
 } // namespace
 
+void SendByProgram(Item& item) {
+    if (!item.Owner().Submit(item.Record(), &item)) {
+        if (!item.Record()->dead) {
+            item.Owner().Save(item.Record());
+        }
+        item.Owner().ReportCancelledSend();
+    }
+}
+
 const Class& SentItemClass() {
     static const Class members = BuildSentItemClass();
     return members;

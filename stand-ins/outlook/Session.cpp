@@ -101,7 +101,7 @@ void Session::Save(const RecordPtr& record) {
     }
     ItemData item = record->Snapshot();
     if (item.entryId.empty()) {
-        item.entryId = NewEntryId();
+        item.entryId = record->futureId.empty() ? NewEntryId() : record->futureId;
     }
     item.lastModificationTime = std::max(Now(), std::nextafter(item.lastModificationTime, HUGE_VAL));
     for (AttachmentData& attachment : item.attachments) {

@@ -17,6 +17,9 @@ namespace fs = std::filesystem;
 
 constexpr const wchar_t* kStoreIdPrefix = L"0000000038A1BB1005E5101AA1BB08002B2A56C2";
 
+constexpr const wchar_t* kCalendar = L"Calendar";
+constexpr const wchar_t* kSharedMark = L"shared"; // a file in the folder of a store
+
 [[noreturn]] void Fail(const char* what, const fs::path& path, const std::string& why) {
     throw std::runtime_error(std::string(what) + " " + ToUtf8(path.wstring()) + ": " + why);
 }
@@ -111,11 +114,22 @@ FolderPath Store::DefaultFolderPath(long number) {
                                                                             {Outbox, L"Outbox"},
                                                                             {SentItems, L"Sent Items"},
                                                                             {Inbox, L"Inbox"},
-                                                                            {Calendar, L"Calendar"},
+                                                                            {Calendar, kCalendar},
                                                                             {Tasks, L"Tasks"},
                                                                             {Drafts, L"Drafts"}}};
     const auto found = std::ranges::find_if(folders, [&](const auto& folder) { return folder.first == number; });
     return found != folders.end() ? FolderPath(kDefaultStore) / found->second : FolderPath();
+}
+
+FolderPath Store::HomeOf(ItemKind kind) {
+    switch (kind) {
+    case ItemKind::Appointment:
+        return DefaultFolderPath(Calendar);
+    case ItemKind::Task:
+        return DefaultFolderPath(Tasks);
+    default:
+        return DefaultFolderPath(Drafts);
+    }
 }
 
 void Store::AddStore(const std::wstring& name, const std::vector<std::wstring>& folders) const {
@@ -125,10 +139,23 @@ void Store::AddStore(const std::wstring& name, const std::vector<std::wstring>& 
     }
 }
 
+void Store::AddSharedCalendar(const std::wstring& person) const {
+    AddStore(person, {kCalendar});
+    WriteWhole(Place_(person) / kSharedMark, "");
+}
+
+std::optional<FolderPath> Store::SharedCalendarOf(const std::wstring& person) const {
+    const bool isName = !person.empty() && person.find_first_of(L"\\/:") == std::wstring::npos;
+    return isName && fs::exists(Place_(person) / kSharedMark) ? std::optional(FolderPath(person) / kCalendar)
+                                                              : std::nullopt;
+}
+
 std::vector<FolderPath> Store::FoldersIn(const FolderPath& folder) const {
     std::vector<FolderPath> folders;
     for (const fs::path& entry : Entries(Place_(folder), true)) {
-        folders.push_back(folder / entry.filename());
+        if (!fs::exists(entry / kSharedMark)) {
+            folders.push_back(folder / entry.filename());
+        }
     }
     std::ranges::stable_partition(folders, [](const FolderPath& path) { return path == kDefaultStore; });
     return folders;
@@ -204,9 +231,9 @@ std::wstring Store::StoreId(const FolderPath& folder) {
 }
 
 std::optional<std::wstring> Store::StoreName(const std::wstring& storeId) const {
-    for (const FolderPath& store : FoldersIn({})) {
-        if (StoreId(store) == storeId) {
-            return store.wstring();
+    for (const fs::path& entry : Entries(Place_({}), true)) {
+        if (StoreId(entry.filename()) == storeId) {
+            return entry.filename().wstring();
         }
     }
     return std::nullopt;

@@ -25,9 +25,16 @@ public:
 
     /// Empty for a number that is no default folder.
     static FolderPath DefaultFolderPath(long number);
+    /// Where new items of a kind stand.
+    static FolderPath HomeOf(ItemKind kind);
     void AddStore(const std::wstring& name, const std::vector<std::wstring>& folders) const;
+    /// The calendar of another person who shares it with this user: a store of its own that is not one of the profile,
+    /// known by the person's name.
+    void AddSharedCalendar(const std::wstring& person) const;
+    /// The calendar that the person shares, if there is one.
+    std::optional<FolderPath> SharedCalendarOf(const std::wstring& person) const;
 
-    /// The stores, or the sub-folders of a folder, by name; the default store first.
+    /// The stores of the profile, or the sub-folders of a folder, by name; the default store first.
     std::vector<FolderPath> FoldersIn(const FolderPath& folder) const;
     bool HasFolder(const FolderPath& folder) const;
     std::vector<std::wstring> EntryIdsIn(const FolderPath& folder) const;
@@ -43,7 +50,7 @@ public:
     std::filesystem::path DeliveredFolder() const;
 
     static std::wstring StoreId(const FolderPath& folder);
-    /// The name of the store with that ID, if it is one of this profile.
+    /// The name of the store with that ID, if it is one of this profile or holds a shared calendar.
     std::optional<std::wstring> StoreName(const std::wstring& storeId) const;
 
 private:

@@ -80,11 +80,13 @@ public:
     explicit Outbox(Outlook& outlook) : outlook_(outlook) {}
 
     void Send(const std::filesystem::path& file, ItemData item) {
-        Item sent{file.filename().wstring() + L" \"" + item.subject + L"\": ", {}};
+        const ItemKind kind = item.kind;
+        Item sent{file.filename().wstring() + L" \"" + item.subject + L"\": ", {}, {}};
         sent.result = outlook_.Send(outlook_.NewItem(std::move(item)));
         const bool stays = sent.result.outcome == SendResult::Outcome::Stopped && outlook_.IsOpen(sent.result.entryId);
+        sent.home = Store::HomeOf(kind).filename().wstring();
         if (stays) {
-            Say(sent.name + L"stopped by the add-in: saved in Drafts, its window is open");
+            Say(sent.name + L"stopped by the add-in: saved in " + sent.home + L", its window is open");
         } else {
             items_.push_back(std::move(sent));
         }
@@ -104,7 +106,7 @@ public:
 
     void TellTheRest() {
         for (const Item& item : items_) {
-            Say(item.name + L"stopped by the add-in: saved in Drafts, nothing more was heard of it");
+            Say(item.name + L"stopped by the add-in: saved in " + item.home + L", nothing more was heard of it");
         }
         items_.clear();
     }
@@ -113,6 +115,7 @@ private:
     struct Item {
         std::wstring name;
         SendResult result;
+        std::wstring home; ///< the folder where it stands until it leaves
     };
 
     Outlook& outlook_;

@@ -10,6 +10,7 @@
 #include "stand-ins/outlook/Session.h"
 #include "stand-ins/redemption/Interfaces.h"
 #include "stand-ins/redemption/RdoAttachments.h"
+#include "stand-ins/redemption/RdoMeeting.h"
 
 namespace stand_ins::redemption {
 namespace {
@@ -82,7 +83,22 @@ void RdoMail::Import(const std::wstring& path, long type) {
 }
 
 DispatchPtr MakeView(const std::shared_ptr<Session>& session, const std::shared_ptr<ItemRecord>& record) {
-    return Make<RdoMail>(session, record, RdoMailClass());
+    switch (record->data.kind) {
+    case ItemKind::Meeting:
+        return Make<RdoMail>(session, record, RdoMeetingItemClass());
+    case ItemKind::Appointment:
+        return Make<RdoMail>(session, record, RdoAppointmentItemClass());
+    default:
+        return Make<RdoMail>(session, record, RdoMailClass());
+    }
+}
+
+void* RdoMail::OwnInterface(REFIID interfaceId) {
+    if (interfaceId != kMailId) {
+        return nullptr;
+    }
+    AddRef();
+    return static_cast<IDispatch*>(this);
 }
 
 const Class& RdoMailClass() {

@@ -30,6 +30,10 @@ public:
     /// type: 1, rich text, which becomes the body. Failure: the system's error.
     void Import(const std::wstring& path, long type);
 
+protected:
+    /// The view of any kind of item is one of a mail, too.
+    void* OwnInterface(REFIID interfaceId) override;
+
 private:
     std::shared_ptr<ItemRecord> record_;
 };

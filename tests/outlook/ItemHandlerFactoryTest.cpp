@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "agent/apps/outlook/MeetingHandler.h"
 #include "agent/apps/outlook/TaskHandler.h"
 #include "foundation/Exception.h"
 #include "tests/outlook/OutlookTest.h"
@@ -45,12 +46,24 @@ TEST_F(ItemHandlerFactoryTest, AnItemOfNoKnownKindGivesANullHandler) {
     EXPECT_THAT(Warnings(), IsEmpty());
 }
 
-TEST_F(ItemHandlerFactoryTest, AMeetingItemIsNeitherPassedNorTakenForAMail) {
-    outlook->Failures().AnswerInterface(L"MailItem", __uuidof(Outlook::_MeetingItem));
-    const auto mail = outlook->NewMail({});
-    test_support::ExpectFailure<NotImplementedException>([&] { Create(mail); },
-                                                         L"vorlek::ItemHandlerFactory::TryToCreateMeetingItem_",
-                                                         L"Meeting items cannot be inspected");
+TEST_F(ItemHandlerFactoryTest, AMeetingItemGivesAMeetingHandlerOnThatItem) {
+    const auto meeting = outlook->NewItem({.kind = stand_ins::ItemKind::Meeting, .subject = L"Review"});
+    const auto handler = Create(meeting);
+    ASSERT_NE(dynamic_cast<MeetingHandler*>(handler.get()), nullptr);
+    EXPECT_EQ(log.Texts(L"INFO").front(), L"Calling MeetingItem->QueryType");
+    EXPECT_EQ(log.Texts(L"DEBUG").front(), L"Trying to create an item wrapper...");
+    EXPECT_EQ(log.Texts(L"DEBUG").back(), L"MeetingItem wrapper was created successfully");
+    EXPECT_EQ(handler->GetSubject(), L"Review");
+}
+
+TEST_F(ItemHandlerFactoryTest, AnItemThatIsBothAMeetingItemAndAMailIsAMeetingItem) {
+    outlook->Failures().AnswerInterface(L"MeetingItem", __uuidof(Outlook::_MailItem));
+    const auto handler = Create(outlook->NewItem({.kind = stand_ins::ItemKind::Meeting}));
+    EXPECT_NE(dynamic_cast<MeetingHandler*>(handler.get()), nullptr);
+}
+
+TEST_F(ItemHandlerFactoryTest, AnAppointmentByItselfIsOfNoKnownKind) {
+    EXPECT_EQ(Create(outlook->NewItem({.kind = stand_ins::ItemKind::Appointment})), nullptr);
 }
 
 TEST_F(ItemHandlerFactoryTest, ATaskRequestGivesATaskHandlerOnThatRequest) {

@@ -251,7 +251,7 @@ TEST_F(OutlookObject, MessageLoopServesOtherThreadsUntilTheConditionHolds) {
 TEST_F(OutlookObject, ApplicationTellsVersionAndSession) {
     EXPECT_EQ(GetText(outlook_.Application(), L"Version"), L"16.0.5.1");
     EXPECT_NE(GetObject(outlook_.Application(), L"Session"), nullptr);
-    EXPECT_EQ(ErrorOf([&] { Invoke(outlook_.Application(), L"CreateItem", {1L}); }), E_INVALIDARG);
+    EXPECT_EQ(ErrorOf([&] { Invoke(outlook_.Application(), L"CreateItem", {2L}); }), E_INVALIDARG);
     EXPECT_EQ(GetText(DispatchPtr(Invoke(outlook_.Application(), L"CreateItem", {0L})), L"MessageClass"), L"IPM.Note");
 }
 

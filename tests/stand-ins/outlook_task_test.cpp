@@ -248,7 +248,8 @@ TEST_F(OutlookTask, UnknownKindIsRefusedWithTheKnownOnes) {
         FromJson({{"kind", "fax"}});
         FAIL() << "it was taken";
     } catch (const std::runtime_error& failure) {
-        EXPECT_STREQ(failure.what(), R"(kind is none of "mail", "post", "task", "taskRequest")");
+        EXPECT_STREQ(failure.what(),
+                     R"(kind is none of "mail", "post", "meeting", "appointment", "task", "taskRequest")");
     }
 }
 

@@ -31,9 +31,16 @@ namespace Outlook {
 
 using platform::LateBound;
 
-enum OlDefaultFolders : long { olFolderOutbox = 4, olFolderSentMail = 5, olFolderDrafts = 16 };
+enum OlDefaultFolders : long {
+    olFolderDeletedItems = 3,
+    olFolderOutbox = 4,
+    olFolderSentMail = 5,
+    olFolderCalendar = 9,
+    olFolderDrafts = 16
+};
 enum OlBodyFormat : long { olFormatPlain = 1, olFormatHTML = 2, olFormatRichText = 3 };
 enum OlInspectorClose : long { olSave = 0, olDiscard = 1 };
+enum OlRecurrenceState : long { olApptException = 3 };
 
 struct _Account : LateBound {
     _bstr_t GetSmtpAddress() { return Get_<_bstr_t>(L"SmtpAddress"); }
@@ -61,6 +68,7 @@ struct Attachments : LateBound {
 };
 
 struct Recipient : LateBound {
+    bool Resolve() { return Call_<bool>(L"Resolve"); }
     bool GetResolved() { return Get_<bool>(L"Resolved"); }
     long GetType() { return Get_<long>(L"Type"); }
     _PropertyAccessorPtr GetPropertyAccessor() { return Get_<_PropertyAccessorPtr>(L"PropertyAccessor"); }
@@ -92,6 +100,12 @@ struct _NameSpace : LateBound {
         return Call_<IDispatchPtr>(L"GetItemFromID", entryId, storeId);
     }
     _FoldersPtr GetFolders() { return Get_<_FoldersPtr>(L"Folders"); }
+    /// A recipient of no item; a name that is not resolved yet.
+    RecipientPtr CreateRecipient(const _bstr_t& name) { return Call_<RecipientPtr>(L"CreateRecipient", name); }
+    MAPIFolderPtr GetSharedDefaultFolder(Recipient* person, OlDefaultFolders folder) {
+        return Call_<MAPIFolderPtr>(L"GetSharedDefaultFolder", static_cast<IDispatch*>(person),
+                                    static_cast<long>(folder));
+    }
 };
 
 struct _Explorer : LateBound {
@@ -148,10 +162,15 @@ struct _MailItem : OutgoingItem {
 };
 
 struct _AppointmentItem : OutgoingItem {
+    bool GetIsRecurring() { return Get_<bool>(L"IsRecurring"); }
+    long GetRecurrenceState() { return Get_<long>(L"RecurrenceState"); }
     _AccountPtr GetSendUsingAccount() { return Get_<_AccountPtr>(L"SendUsingAccount"); }
 };
 
 struct _MeetingItem : OutgoingItem {
+    _bstr_t GetMessageClass() { return Get_<_bstr_t>(L"MessageClass"); }
+    /// The item in its new place; the one that moved is dead.
+    IDispatchPtr Move(MAPIFolder* folder) { return Call_<IDispatchPtr>(L"Move", static_cast<IDispatch*>(folder)); }
     RecipientsPtr GetRecipients() { return Get_<RecipientsPtr>(L"Recipients"); }
     _AppointmentItemPtr GetAssociatedAppointment(bool addToCalendar) {
         return Call_<_AppointmentItemPtr>(L"GetAssociatedAppointment", addToCalendar);

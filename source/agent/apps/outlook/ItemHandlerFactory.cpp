@@ -1,10 +1,10 @@
 #include "agent/apps/outlook/ItemHandlerFactory.h"
 
+#include "agent/apps/outlook/MeetingHandler.h"
 #include "agent/apps/outlook/MessageHandler.h"
 #include "agent/apps/outlook/TaskHandler.h"
 #include "foundation/Log.h"
 #include "foundation/Log4CxxHelper.h"
-#include "foundation/Throw.h"
 
 namespace vorlek {
 
@@ -37,11 +37,7 @@ ItemHandler* ItemHandlerFactory::CreateItemHandler(IDispatchPtr item) {
 
 ItemHandler* ItemHandlerFactory::TryToCreateMeetingItem_(IDispatchPtr item) {
     LOG_INFO(logger_, L"Calling MeetingItem->QueryType");
-    if (AnswersInterface(item, __uuidof(Outlook::_MeetingItem))) {
-        Throw<NotImplementedException>(L"vorlek::ItemHandlerFactory::TryToCreateMeetingItem_",
-                                       L"Meeting items cannot be inspected");
-    }
-    return nullptr;
+    return MeetingHandler::QueryType(item) ? new MeetingHandler(item) : nullptr;
 }
 
 ItemHandler* ItemHandlerFactory::TryToCreateMailItem_(IDispatchPtr item) {

@@ -12,8 +12,7 @@ public:
     ItemHandlerFactory();
 
     /// A new handler, the caller's; null for a null item or one of another kind. Raises _com_error if an
-    /// item cannot say what it is, and NotImplementedException for a meeting item, which must not leave
-    /// as if it were of a kind that needs no inspection.
+    /// item cannot say what it is.
     ItemHandler* CreateItemHandler(IDispatchPtr item);
 
 private:
