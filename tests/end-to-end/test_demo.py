@@ -32,14 +32,23 @@ class Demo(unittest.TestCase):
         killed = "    outcome: Outlook was killed, sent at its next start"
         self.assertEqual(sum(line.startswith(killed) for line in outcomes), 1, outcomes)
         back = "    outcome: stopped by the add-in: brought back to the screen"
+        task = ('    outcome: sent, as "[Confidential] Order filters for the third trial"  '
+                f'({os.path.relpath(self.out / "delivered/15-task-request.eml")})')
         self.assertEqual([line for line in outcomes if not line.startswith(("    outcome: sent by the add-in", killed))],
-                         [back, back])
+                         [back, back, task])
         self.assertIn('The user was told: "The mail item was modified during inspection and was not sent."',
                       run.stdout.splitlines())
 
         labelled = self.delivered("08-confidential.eml")
         self.assertEqual(labelled["Subject"], "[Confidential] Confidential: results of the second trial")
         self.assertIn("CONFIDENTIAL: for the people named above only.", labelled.get_body(("html",)).get_content())
+
+        request = self.delivered("15-task-request.eml")
+        self.assertEqual(request["X-Item-Kind"], "taskRequest")
+        self.assertTrue(request.get_content().startswith("CONFIDENTIAL: for the people named above only."))
+        tasks = [item.read_text("utf-8") for item in (self.out / "profile/Stores/Outlook Data File/Tasks").iterdir()]
+        self.assertEqual(len(tasks), 1)
+        self.assertIn("CONFIDENTIAL: for the people named above only.", tasks[0])
 
         replaced = {part.get_filename(): part.get_content() for part in
                     self.delivered("09-price-list.eml").iter_attachments()}
