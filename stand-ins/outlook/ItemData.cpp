@@ -273,7 +273,6 @@ nlohmann::json ToJson(const ItemData& item) {
     }
     if (!item.relatedId.empty()) {
         json["relatedId"] = ToUtf8(item.relatedId);
-        json["subjectPrefix"] = ToUtf8(item.subjectPrefix);
     }
     for (const ItemData& related : item.related) {
         json["related"].push_back(ToJson(related));
@@ -296,7 +295,6 @@ ItemData FromJson(const nlohmann::json& json) {
     reader.Read("votingResponse", item.votingResponse);
     reader.Read("properties", item.properties);
     reader.Read("relatedId", item.relatedId);
-    reader.Read("subjectPrefix", item.subjectPrefix);
     reader.Read("entryId", item.entryId);
     reader.Read("lastModificationTime", item.lastModificationTime);
     reader.Read("sent", item.sent);

@@ -66,8 +66,7 @@ struct ItemData {
     long recurrenceState = NotRecurring; ///< of an appointment
     bool linkBroken = false;             ///< of a meeting: Outlook does not find the appointment by itself
 
-    std::wstring relatedId = {};     ///< EntryID of a task request's task or a meeting's appointment; empty: none
-    std::wstring subjectPrefix = {}; ///< of a task request: what its subject has before that of its task
+    std::wstring relatedId = {}; ///< EntryID of a task request's task or a meeting's appointment; empty: none
     std::vector<ItemData> related =
         {}; ///< of an item not yet opened: the task or appointment, which becomes an item of its own
 

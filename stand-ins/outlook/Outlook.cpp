@@ -25,9 +25,6 @@ std::shared_ptr<ItemRecord> MakeRecord(Session& session, ItemData item, FolderPa
     if (!related.empty()) {
         const auto other = MakeRecord(session, related[0], Store::HomeOf(related[0].kind));
         session.Save(other);
-        if (record->data.kind == ItemKind::TaskRequest) {
-            LinkToTask(*record, other);
-        }
         record->related = other;
     } else if (record->data.kind == ItemKind::Meeting && record->data.relatedId.empty()) {
         AddToCalendar(session, *record);
@@ -109,17 +106,18 @@ SendResult Outlook::Send(const DispatchPtr& item) {
         const bool left =
             record->data.kind == ItemKind::Appointment ? Invite(*session_, record) : session_->Submit(record, item);
         result.outcome = left ? SendResult::Outcome::Sent : SendResult::Outcome::Stopped;
-        // Whoever cancelled may have taken the item away or sent it himself.
-        if (result.outcome == SendResult::Outcome::Stopped && !record->dead) {
-            session_->Save(record);
-        }
         session_->LetWordClose();
     } catch (const Failure& failure) {
         result.error = failure.result;
         result.reason = failure.words;
-        if (!record->dead) {
-            session_->Save(record); // it stays on the screen; should the program end, it is in Drafts
+    }
+    // Unless it was sent, or whoever stopped it took it away, it stays on the screen. Should the program end, it is in
+    // Drafts, and what it is about has a place, too.
+    if (result.outcome != SendResult::Outcome::Sent && !record->dead) {
+        if (record->related && !record->related->dead) {
+            session_->Save(record->related);
         }
+        session_->Save(record);
     }
     if (!record->dead) {
         result.entryId = record->data.entryId;

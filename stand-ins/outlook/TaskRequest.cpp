@@ -20,16 +20,8 @@ std::shared_ptr<ItemRecord> RequestFor(const std::shared_ptr<ItemRecord>& task) 
     request.entryId.clear();
     request.lastModificationTime = 0;
     auto record = std::make_shared<ItemRecord>(std::move(request), Store::DefaultFolderPath(Drafts));
-    LinkToTask(*record, task);
+    record->related = task;
     return record;
-}
-
-void LinkToTask(ItemRecord& request, const std::shared_ptr<ItemRecord>& task) {
-    request.related = task;
-    const std::wstring& subject = request.data.subject;
-    if (subject.ends_with(task->data.subject)) {
-        request.data.subjectPrefix = subject.substr(0, subject.size() - task->data.subject.size());
-    }
 }
 
 std::shared_ptr<ItemRecord> TaskOf(Session& session, ItemRecord& request) {
@@ -52,7 +44,9 @@ void TakeOverTask(Session& session, ItemRecord& request) {
     } catch (const Failure&) {
         return; // the task is gone: the request leaves with what it says itself
     }
-    request.data.subject = request.data.subjectPrefix + task->data.subject;
+    if (!request.data.subject.ends_with(task->data.subject)) {
+        request.data.subject = task->data.subject;
+    }
     request.data.body = task->data.body;
     request.data.htmlBody = task->data.htmlBody;
     request.data.rtfBody = task->data.rtfBody;

@@ -31,7 +31,11 @@ PLAIN, HTML, RICH_TEXT = 1, 2, 3
 BY_VALUE, EMBEDDED_ITEM = 1, 5
 RECIPIENT_HEADERS = {"to": 1, "cc": 2, "bcc": 3}
 # Headers that become fields of the item; every other one is kept as it stands.
-OWN_HEADERS = {"from", "subject", "mime-version", *RECIPIENT_HEADERS}
+# Tells what a file is if it is no mail: "task", one that is assigned to whom it is addressed to.
+KIND_HEADER = "X-Item-Kind"
+OWN_HEADERS = {"from", "subject", "mime-version", KIND_HEADER.lower(), *RECIPIENT_HEADERS}
+# What is told by a calendar part instead.
+CALENDAR_KINDS = ("meeting", "appointment")
 SMTP_ADDRESS = "0x39FE001F"
 
 # What the parser forgives and a reader must not: parts would silently be missing or cut.
@@ -160,7 +164,7 @@ class Opener:
         sender = next(iter(addresses(self.message, "from")), None)
         rich = "text/rtf" in bodies
         return {
-            "kind": "mail",
+            "kind": self.kind(),
             "subject": clean(decode_words(raw_header(self.message, "subject"))),
             "bodyFormat": RICH_TEXT if rich else HTML if "text/html" in bodies else PLAIN,
             "body": bodies.get("text/plain", ""),
@@ -173,6 +177,12 @@ class Opener:
             "attachments": self.attachments,
             "headers": self.other_headers(),
         }
+
+    def kind(self):
+        kind = raw_header(self.message, KIND_HEADER.lower()) or "mail"
+        if kind not in ("mail", "task"):
+            raise MailError(f'{KIND_HEADER} says "{kind}", which is neither "mail" nor "task"')
+        return kind
 
     def check_is_mail(self):
         if not self.data.strip():
@@ -374,6 +384,9 @@ class Writer:
             if listed:
                 yield name, listed
         yield "Subject", one_line(self.text_of("subject"))
+        kind = one_line(self.text_of("kind"))
+        if kind not in ("", "mail", *CALENDAR_KINDS):
+            yield KIND_HEADER, kind
         if not any(n.lower() == "date" for n, _ in kept):
             yield "Date", email.utils.formatdate(localtime=True)
         yield from kept
@@ -412,7 +425,7 @@ class Writer:
         elif rich and self.item.get("rtfBody"):
             rtf = encoded_part("text/rtf", decode_base64(self.item["rtfBody"], "rtfBody"))
             body = multipart("alternative", [body, rtf])
-        if self.item.get("kind") in ("meeting", "appointment"):
+        if self.item.get("kind") in CALENDAR_KINDS:
             body = multipart("alternative", [body, self.calendar()])
         return multipart("mixed", [body, *(a.part("attachment") for a in rest)]) if rest else body
 

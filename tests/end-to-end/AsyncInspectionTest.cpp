@@ -1,11 +1,10 @@
 // Mails inspected beside the send event, in whole processes: what becomes of each, seen from outside.
 #include <gmock/gmock.h>
 #include <map>
-#include <regex>
-#include <sstream>
 
 #include "stand-ins/agent/Agent.h"
 #include "tests/end-to-end/Desk.h"
+#include "tests/end-to-end/Figures.h"
 
 namespace end_to_end {
 namespace {
@@ -254,27 +253,14 @@ TEST_F(AsyncInspection, ManyMailsAtOnceLeaveEachOnceAndNothingStaysBehind) {
     }
     EXPECT_THAT(subjects, SizeIs(kMails));
     EXPECT_EQ(Lines("INFO Got decision: 1"), static_cast<std::size_t>(kMails));
-    std::map<std::string, std::map<std::string, long>> figures;
-    std::istringstream lines(run.output);
-    for (std::string line; std::getline(lines, line);) {
-        std::smatch match;
-        if (std::regex_search(line, match,
-                              std::regex("figures after (\\d+): handles (\\d+), heap blocks (\\d+), threads (\\d+), "
-                                         "objects (\\d+)"))) {
-            std::printf("%s\n", line.c_str());
-            figures[match[1]] = {{"handles", std::stol(match[2])},
-                                 {"heap blocks", std::stol(match[3])},
-                                 {"threads", std::stol(match[4])},
-                                 {"objects", std::stol(match[5])}};
-        }
-    }
+    const std::map<int, Figures> figures = FiguresOf(run.output);
     ASSERT_THAT(figures, SizeIs(2));
-    auto& before = figures["1"];
-    auto& after = figures[std::to_string(kMails)];
-    EXPECT_EQ(after["objects"], before["objects"]);
-    EXPECT_EQ(after["threads"], before["threads"]);
-    EXPECT_LT(after["handles"], before["handles"] + kMails / 10);
-    EXPECT_LT(after["heap blocks"], before["heap blocks"] + kMails) << "a mail leaves something behind";
+    const Figures& before = figures.at(1);
+    const Figures& after = figures.at(kMails);
+    EXPECT_EQ(after.objects, before.objects);
+    EXPECT_EQ(after.threads, before.threads);
+    EXPECT_LT(after.handles, before.handles + kMails / 10);
+    EXPECT_LT(after.heapBlocks, before.heapBlocks + kMails) << "a mail leaves something behind";
 }
 
 TEST_F(AsyncInspection, OutlookEndsByItselfWhileTheAgentThinksAndTheNextStartSendsTheMail) {

@@ -74,7 +74,7 @@ Desk::Desk() : close_(CreateEventW(nullptr, TRUE, FALSE, CloseEvent().c_str())) 
     fs::create_directories(folder_);
     RegDeleteTreeW(HKEY_CURRENT_USER, kProduct);
     WriteLogConfiguration_();
-    RunToEnd(SystemProgram(L"regsvr32.exe"), {L"/s", Built(ADDIN_MODULE).wstring()}, folder_ / "regsvr32.txt");
+    Register(ADDIN_MODULE);
     TellOutlook();
 }
 
@@ -88,6 +88,14 @@ Desk::~Desk() {
     if (!HasFailure()) {
         fs::remove_all(folder_, ignored);
     }
+}
+
+void Desk::Register(const char* module) const {
+    RunToEnd(SystemProgram(L"regsvr32.exe"), {L"/s", Built(module).wstring()}, folder_ / "regsvr32.txt");
+}
+
+void Desk::Unregister(const char* module) const {
+    RunToEnd(SystemProgram(L"regsvr32.exe"), {L"/s", L"/u", Built(module).wstring()}, folder_ / "regsvr32.txt");
 }
 
 void Desk::WriteLogConfiguration_() const {

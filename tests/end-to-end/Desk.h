@@ -32,6 +32,10 @@ protected:
     Desk();
     ~Desk() override;
 
+    /// Registers a DLL of the build, or takes it out of the registry again.
+    void Register(const char* module) const;
+    void Unregister(const char* module) const;
+
     /// Starts the agent with a policy and waits until it listens.
     void StartAgent(const Json& policy, const std::vector<std::wstring>& options = {});
     void StopAgent();

@@ -2,6 +2,7 @@
 // road.
 #include <algorithm>
 #include <cctype>
+#include <regex>
 
 #include <gmock/gmock.h>
 
@@ -64,9 +65,19 @@ protected:
     }
 
     /// What the log says from one mail to the next.
+    /// The log without the numbers of source lines, which move with every change of the file.
+    std::vector<std::string> LogWithoutLines() const {
+        static const std::regex number("[.]cpp\\([0-9]+\\)");
+        std::vector<std::string> lines = Log();
+        for (std::string& line : lines) {
+            line = std::regex_replace(line, number, ".cpp");
+        }
+        return lines;
+    }
+
     std::vector<std::vector<std::string>> LogOfEach() const {
         std::vector<std::vector<std::string>> mails;
-        for (std::string& line : Log()) {
+        for (std::string& line : LogWithoutLines()) {
             if (line.starts_with("INFO OnMailSend:")) {
                 mails.emplace_back();
             }
@@ -123,13 +134,13 @@ TEST_P(FirstQuestionFails, AndTheMailStaysWithAWordToTheUser) {
     EXPECT_THAT(Delivered(), IsEmpty());
     EXPECT_THAT(ItemsIn("Drafts"), SizeIs(1));
     EXPECT_THAT(Documents(), IsEmpty());
-    EXPECT_THAT(Log(), Contains(StartsWith(GetParam().words)));
+    EXPECT_THAT(LogWithoutLines(), Contains(StartsWith(GetParam().words)));
     ExpectOutlookEndedWell();
 }
 
 constexpr const char* kModeFailed = "ERROR Failed to call GetExecutionMode.";
 constexpr const char* kNoMessage =
-    "ERROR FromString failed with: Message.cpp(183): vorlek::Message::FromString: Exception: Invalid message ";
+    "ERROR FromString failed with: Message.cpp: vorlek::Message::FromString: Exception: Invalid message ";
 constexpr const char* kNoXml = "ERROR FromString failed with: XMLReader.cpp";
 
 INSTANTIATE_TEST_SUITE_P(
@@ -152,7 +163,7 @@ TEST_F(MisbehavingAgent, AFailedInspectionLetsTheMailPassAsItWas) {
         {"no-words", kInspectFailed},
         {"wrong-type", kInspectFailed},
         {"wrong-type=Request", kInspectFailed},
-        {"wrong-type=Wish", "ERROR FromString failed with: Message.cpp(238): vorlek::Message::StringToMessageType: "
+        {"wrong-type=Wish", "ERROR FromString failed with: Message.cpp: vorlek::Message::StringToMessageType: "
                             "Exception: Invalid message type: \"Wish\""},
         {"wrong-tag", kInspectFailed},
         {"wrong-tag=byte[]", kInspectFailed},

@@ -29,16 +29,27 @@ class Demo(unittest.TestCase):
         self.assertEqual(run.returncode, 0, run.stdout + run.stderr)
         outcomes = [line for line in run.stdout.splitlines() if line.startswith("    outcome: ")]
         self.assertEqual(len(outcomes), len(list((ROOT / "demo/mails").iterdir())))
+        killed = "    outcome: Outlook was killed, sent at its next start"
+        self.assertEqual(sum(line.startswith(killed) for line in outcomes), 1, outcomes)
         back = "    outcome: stopped by the add-in: brought back to the screen"
-        inside = "    outcome: sent  (" + os.path.relpath(self.out / "delivered/14-accepted.eml") + ")"
-        self.assertEqual([line for line in outcomes if not line.startswith("    outcome: sent by the add-in")],
-                         [back, back, inside])
+        response = f'    outcome: sent  ({os.path.relpath(self.out / "delivered/14-accepted.eml")})'
+        task = ('    outcome: sent, as "[Confidential] Order filters for the third trial"  '
+                f'({os.path.relpath(self.out / "delivered/15-task-request.eml")})')
+        self.assertEqual([line for line in outcomes if not line.startswith(("    outcome: sent by the add-in", killed))],
+                         [back, back, response, task])
         self.assertIn('The user was told: "The mail item was modified during inspection and was not sent."',
                       run.stdout.splitlines())
 
         labelled = self.delivered("08-confidential.eml")
         self.assertEqual(labelled["Subject"], "[Confidential] Confidential: results of the second trial")
         self.assertIn("CONFIDENTIAL: for the people named above only.", labelled.get_body(("html",)).get_content())
+
+        request = self.delivered("15-task-request.eml")
+        self.assertEqual(request["X-Item-Kind"], "taskRequest")
+        self.assertTrue(request.get_content().startswith("CONFIDENTIAL: for the people named above only."))
+        tasks = [item.read_text("utf-8") for item in (self.out / "profile/Stores/Outlook Data File/Tasks").iterdir()]
+        self.assertEqual(len(tasks), 1)
+        self.assertIn("CONFIDENTIAL: for the people named above only.", tasks[0])
 
         replaced = {part.get_filename(): part.get_content() for part in
                     self.delivered("09-price-list.eml").iter_attachments()}
@@ -47,8 +58,9 @@ class Demo(unittest.TestCase):
 
         for part, wanted in (("From", "Ольга"), ("Subject", "Договор")):
             self.assertIn(wanted, str(self.delivered("04-cyrillic-koi8-r.eml")[part]))
+        self.assertEqual(self.delivered("12-outlook-killed.eml")["Subject"], "Keys for the workshop")
         for name, method, subject in (
-                ("12-invitation.eml", "REQUEST", "[Confidential] Review of the filter trial"),
+                ("16-invitation.eml", "REQUEST", "[Confidential] Review of the filter trial"),
                 ("13-forwarded-meeting.eml", "REQUEST", "FW: Visit to the paper mill"),
                 ("14-accepted.eml", "REPLY", "Accepted: Visit to the paper mill")):
             meeting = self.delivered(name)
@@ -65,7 +77,8 @@ class Demo(unittest.TestCase):
         self.assertTrue(any("One more thing: see you on Friday." in item for item in drafts))
         for stays in ("07-card-number.eml", "11-changed-meanwhile.eml"):
             self.assertFalse((self.out / "delivered" / stays).exists())
-        self.assertEqual(len(list((self.out / "inspections").glob("*-inspector.xml"))), len(outcomes))
+        inspections = len(list((self.out / "inspections").glob("*-inspector.xml")))
+        self.assertEqual(inspections, len(outcomes) + 1)  # the interrupted one began anew
         self.assertIn("Started Async inspection.", (self.out / "add-in.log").read_text("utf-8"))
         self.assertIn("Message should be blocked!", (self.out / "add-in.log").read_text("utf-8"))
 

@@ -71,6 +71,18 @@ private:
 constexpr wchar_t kSidLocation[] = L"UserUtils::GetSidInfo";
 constexpr wchar_t kProfileLocation[] = L"UserUtils::GetProfileDir";
 
+/// Held by one process at a time: there is one such key for all tests.
+class ProfileTurn_ {
+public:
+    ProfileTurn_() { EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(mutex_.Get(), 20000)); }
+    ~ProfileTurn_() { ReleaseMutex(mutex_.Get()); }
+    ProfileTurn_(const ProfileTurn_&) = delete;
+    ProfileTurn_& operator=(const ProfileTurn_&) = delete;
+
+private:
+    vorlek::FileHandle mutex_{CreateMutexW(nullptr, FALSE, L"Local\\UserUtilsProfile")};
+};
+
 /// The profile of the own account in the registry, back as it was at the end.
 class Profile_ {
 public:
@@ -120,6 +132,7 @@ private:
     }
 
     static constexpr const wchar_t* kValue_ = L"ProfileImagePath";
+    ProfileTurn_ turn_;
     bool hadKey_;
     bool hadPath_ = false;
     std::wstring path_;

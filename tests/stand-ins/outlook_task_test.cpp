@@ -156,14 +156,19 @@ TEST_F(OutlookTask, WhatChangesInTheTaskBeforeTheRequestLeavesReachesTheReceiver
     EXPECT_EQ(outlook_.ItemsIn(L"Tasks").at(0).subject, L"Sweep the yard");
 }
 
-TEST_F(OutlookTask, ForwardKeepsItsPrefixBeforeWhatTheTaskSays) {
+TEST_F(OutlookTask, ForwardKeepsItsPrefixUnlessTheTaskChanges) {
+    bool change = false;
     Sink sink(outlook_.Application(), [&](IDispatch* item) {
-        EXPECT_EQ(GetText(item, L"Subject"), L"FW: Paint the fence");
-        Put(TaskOf(item), L"Subject", L"Sweep the yard");
+        if (change) {
+            Put(TaskOf(item), L"Subject", L"Sweep the yard");
+        }
         return false;
     });
     EXPECT_EQ(outlook_.Send(outlook_.NewItem(Request(L"FW: Paint the fence"))).outcome, Outcome::Sent);
-    EXPECT_EQ(outlook_.Delivered().at(0).subject, L"FW: Sweep the yard");
+    EXPECT_EQ(outlook_.Delivered().at(0).subject, L"FW: Paint the fence");
+    change = true;
+    EXPECT_EQ(outlook_.Send(outlook_.NewItem(Request(L"FW: Paint the fence"))).outcome, Outcome::Sent);
+    EXPECT_EQ(outlook_.Delivered().at(1).subject, L"Sweep the yard");
 }
 
 TEST_F(OutlookTask, ResponseLeavesWithItsOwnWords) {
@@ -190,6 +195,8 @@ TEST_F(OutlookTask, StoppedRequestIsSavedInDraftsAndItsWindowStaysOpen) {
     ASSERT_THAT(outlook_.ItemsIn(L"Drafts"), SizeIs(1));
     EXPECT_EQ(outlook_.ItemsIn(L"Drafts")[0].entryId, result.entryId);
     EXPECT_TRUE(outlook_.IsOpen(result.entryId));
+    ASSERT_THAT(outlook_.ItemsIn(L"Tasks"), SizeIs(1));
+    EXPECT_EQ(outlook_.ItemsIn(L"Drafts")[0].relatedId, outlook_.ItemsIn(L"Tasks")[0].entryId);
 }
 
 TEST_F(OutlookTask, ProgramsSendOfATaskRaisesTheEventWithARequest) {

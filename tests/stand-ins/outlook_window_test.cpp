@@ -125,5 +125,79 @@ TEST_F(OutlookWindows, ItemThatHasLeftIsNotGone) {
     EXPECT_FALSE(Outlook::IsGone(outlook_.Send(Mail())));
 }
 
+/// Before version 2007, with an editor.
+class OldOutlookWindows : public OutlookTest {
+protected:
+    std::unique_ptr<Outlook> OutlookWith(Editor editor, const wchar_t* version = L"11.0") {
+        return std::make_unique<Outlook>(
+            OutlookOptions{.profile = folder_.Path(), .version = version, .editor = editor});
+    }
+    static bool IsWordMail(const DispatchPtr& item) { return GetBool(GetObject(item, L"GetInspector"), L"IsWordMail"); }
+    static HWND WordWindow() { return FindWindowW(L"OpusApp", kInspectorTitle); }
+};
+
+TEST_F(OldOutlookWindows, ItemWrittenInWordHasWordsWindowWhichSavesAndCloses) {
+    const auto outlook = OutlookWith(Editor::Word);
+    const auto mail = outlook->NewMail({.subject = L"Plans"});
+    Invoke(mail, L"Display");
+    EXPECT_NE(WordWindow(), nullptr);
+    EXPECT_EQ(FindWindowW(kWindowClass, kInspectorTitle), nullptr);
+    PostMessageW(WordWindow(), WM_CLOSE, 2, 0);
+    Outlook::HandleMessages();
+    EXPECT_EQ(WordWindow(), nullptr);
+    EXPECT_EQ(outlook->OpenInspectors(), 0u);
+    EXPECT_EQ(outlook->ItemsIn(L"Drafts").size(), 1u);
+}
+
+TEST_F(OldOutlookWindows, ItemThatCannotBeSavedStaysOpenInWord) {
+    const auto outlook = OutlookWith(Editor::Word);
+    const auto mail = outlook->NewMail({.subject = L"Plans"});
+    Invoke(mail, L"Display");
+    std::filesystem::remove_all(folder_ / L"Stores");
+    PostMessageW(WordWindow(), WM_CLOSE, 2, 0);
+    Outlook::HandleMessages();
+    EXPECT_EQ(outlook->OpenInspectors(), 1u);
+}
+
+TEST_F(OldOutlookWindows, ItemWrittenInOutlookIsNotSavedWhenItsUserClosesIt) {
+    const auto outlook = OutlookWith(Editor::Outlook);
+    Invoke(outlook->NewMail({.subject = L"Plans"}), L"Display");
+    PostMessageW(FindWindowW(kWindowClass, kInspectorTitle), WM_CLOSE, 0, 0);
+    Outlook::HandleMessages();
+    EXPECT_EQ(outlook->OpenInspectors(), 0u);
+    EXPECT_TRUE(outlook->ItemsIn(L"Drafts").empty());
+}
+
+TEST_F(OldOutlookWindows, WordMayShowAnotherTitle) {
+    const auto outlook = OutlookWith(Editor::WordUnderAnotherTitle);
+    Invoke(outlook->NewMail({.subject = L"Plans"}), L"Display");
+    EXPECT_EQ(WordWindow(), nullptr);
+    EXPECT_NE(FindWindowW(L"OpusApp", L"Document1 - Microsoft Word"), nullptr);
+}
+
+TEST_F(OldOutlookWindows, MailIsWordMailByTheUsersChoiceBefore2007AndAlwaysLater) {
+    EXPECT_FALSE(IsWordMail(OutlookWith(Editor::Outlook)->NewMail({})));
+    EXPECT_TRUE(IsWordMail(OutlookWith(Editor::Word)->NewMail({})));
+    EXPECT_TRUE(IsWordMail(OutlookWith(Editor::Outlook, L"12.0")->NewMail({})));
+}
+
+TEST_F(OldOutlookWindows, Outlook2007HasNoWindowOfWords) {
+    const auto outlook = OutlookWith(Editor::Word, L"12.0");
+    Invoke(outlook->NewMail({.subject = L"Plans"}), L"Display");
+    EXPECT_EQ(WordWindow(), nullptr);
+    EXPECT_NE(FindWindowW(kWindowClass, kInspectorTitle), nullptr);
+}
+
+TEST_F(OldOutlookWindows, CloseThatWasPostedToWordIsDoneWhenTheSendIs) {
+    const auto outlook = OutlookWith(Editor::Word);
+    Sink sink(outlook->Application(), [](IDispatch*) {
+        PostMessageW(WordWindow(), WM_CLOSE, 2, 0);
+        return true;
+    });
+    outlook->Send(outlook->NewMail({.subject = L"Plans"}));
+    EXPECT_EQ(outlook->OpenInspectors(), 0u);
+    sink.Unadvise();
+}
+
 } // namespace
 } // namespace stand_ins

@@ -54,6 +54,18 @@ class MailTest(unittest.TestCase):
 
 
 class OpenTest(MailTest):
+    def test_task_by_its_header(self):
+        item = self.open("From: anna@example.com\nTo: Ben <ben@example.com>\nX-Item-Kind: task\n\nPaint the fence.\n")
+        self.assertEqual(item["kind"], "task")
+        self.assertEqual(item["headers"], [])
+        delivered = self.parsed({**item, "kind": "taskRequest"})
+        self.assertEqual(delivered["X-Item-Kind"], "taskRequest")
+        self.assertNotIn("X-Item-Kind", self.parsed({**item, "kind": "mail"}))
+
+    def test_unknown_kind(self):
+        self.refused("open", "From: anna@example.com\nX-Item-Kind: fax\n\nx\n",
+                     'X-Item-Kind says "fax", which is neither "mail" nor "task"')
+
     def test_plain_mail(self):
         item = self.open("From: Anna <anna@example.com>\nTo: ben@example.com\nCc: Eva <eva@example.com>\n"
                          "Subject: Plans\nDate: Mon, 3 Mar 2025 09:12:44 +0100\nX-Mark: 7\n\nTuesday.\n")
@@ -178,7 +190,7 @@ class RefuseTest(MailTest):
 class WriteTest(MailTest):
     def test_every_demo_mail_survives_the_round_trip(self):
         mails = sorted(mail for mail in DEMO.glob("*.eml") if b"text/calendar" not in mail.read_bytes())
-        self.assertEqual(len(mails), 11)
+        self.assertEqual(len(mails), 13)
         for mail in mails:
             with self.subTest(mail.name):
                 item = self.open(mail.read_bytes())

@@ -20,7 +20,7 @@ def mail(subject, data, method="REQUEST", disposition=""):
 
 class MeetingTest(MailTest):
     def test_a_calendar_file_is_an_appointment_to_be_sent(self):
-        item = self.open((DEMO / "12-invitation.ics").read_bytes())
+        item = self.open((DEMO / "16-invitation.ics").read_bytes())
         self.assertEqual(item["kind"], "appointment")
         self.assertEqual(item["subject"], "Review of the filter trial")
         self.assertEqual(item["body"], "We go through the numbers of the second trial.\r\n\r\n"
@@ -110,7 +110,7 @@ class MeetingTest(MailTest):
         self.assertIn("ATTENDEE;PARTSTAT=DECLINED:mailto:anna@a.example", lines)
 
     def test_a_label_reaches_the_calendar_and_the_rest_of_it_stays(self):
-        item = self.open((DEMO / "12-invitation.ics").read_bytes())
+        item = self.open((DEMO / "16-invitation.ics").read_bytes())
         message = self.parsed({**item, "kind": "meeting", "messageClass": "IPM.Schedule.Meeting.Request",
                                "subject": "[Internal] Review"})
         _, lines = self.lines_of(message)
@@ -120,7 +120,7 @@ class MeetingTest(MailTest):
         self.assertNotIn("X-Calendar-Line", message)
 
     def test_an_invitation_survives_the_round_trip(self):
-        item = self.open((DEMO / "12-invitation.ics").read_bytes())
+        item = self.open((DEMO / "16-invitation.ics").read_bytes())
         again = self.open(self.write(item))
         for field in ("kind", "subject", "body", "start", "end", "location", "recurrenceState", "account"):
             self.assertEqual(again[field], item[field], field)

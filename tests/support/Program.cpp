@@ -1,7 +1,5 @@
 #include "tests/support/Program.h"
 
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 
 #include "tests/support/Offspring.h"
@@ -86,8 +84,16 @@ std::string Program::Output() const {
 }
 
 std::string ReadAll(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    // Whoever writes the file may replace it meanwhile; a stream of the library would stand in his way.
+    vorlek::FileHandle file;
+    file = CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                       OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    std::string text;
+    char chunk[4096];
+    for (DWORD size = 0; ReadFile(file.Get(), chunk, sizeof(chunk), &size, nullptr) && size != 0;) {
+        text.append(chunk, size);
+    }
+    return text;
 }
 
 } // namespace test_support

@@ -20,17 +20,17 @@ TaskHandler::TaskHandler(Outlook::_TaskRequestItemPtr item) : ItemWrapper(item) 
         LOG_ERROR(logger_, L"Null item was passed to the TaskHandler CTOR");
         return;
     }
-    kind_ = Classify_();
-    LOG_INFO(logger_, L"Task item class " << platform::ToWide(Item_->GetMessageClass()) << L" is " << kind_);
+    const Outlook::_TaskItemPtr task = GetRelatedTask_();
+    const _bstr_t messageClass = Item_->GetMessageClass();
+    kind_ = Classify_(messageClass, task);
+    LOG_INFO(logger_, L"Task item class " << platform::ToWide(messageClass) << L" is " << kind_);
 }
 
 bool TaskHandler::QueryType(IDispatchPtr item) {
     return AnswersInterface(item, __uuidof(Outlook::_TaskRequestItem));
 }
 
-TaskItemKind TaskHandler::Classify_() {
-    const Outlook::_TaskItemPtr task = GetRelatedTask_();
-    const _bstr_t messageClass = Item_->GetMessageClass();
+TaskItemKind TaskHandler::Classify_(const _bstr_t& messageClass, const Outlook::_TaskItemPtr& task) {
     if (messageClass == kDeclineClass || messageClass == kAcceptClass) {
         return TaskResponse;
     }

@@ -44,7 +44,7 @@ protected:
     void LabelBody(const std::wstring& path) override;
 
 private:
-    TaskItemKind Classify_();
+    TaskItemKind Classify_(const _bstr_t& messageClass, const Outlook::_TaskItemPtr& task);
     Outlook::_TaskItemPtr GetRelatedTask_();
     /// Runs the body on the object that is to change. Raises E_POINTER where the related task is and there is none.
     template <class Body>
