@@ -56,6 +56,11 @@ class MeetingTest(MailTest):
         self.assertEqual(item["account"], "ben@b.example")
         self.assertEqual([r["address"] for r in item["recipients"]], ["anna@a.example"])
 
+    def test_an_organizer_who_attends_does_not_invite_himself(self):
+        item = self.open(calendar("SUMMARY:x", "ORGANIZER;CN=Anna:mailto:anna@a.example",
+                                  "ATTENDEE;CN=Anna:mailto:anna@a.example", "ATTENDEE:mailto:ben@b.example"))
+        self.assertEqual([r["address"] for r in item["recipients"]], ["ben@b.example"])
+
     def test_a_cancellation_is_one(self):
         item = self.open(mail("Canceled: Review", calendar("SUMMARY:Review", method="CANCEL"), "CANCEL"))
         self.assertEqual((item["kind"], item["messageClass"]), ("meeting", "IPM.Schedule.Meeting.Canceled"))
@@ -103,6 +108,13 @@ class MeetingTest(MailTest):
         for line in ("METHOD:REQUEST", "UID:0042", "DTSTART:20261130T100000", "SUMMARY:Room\\; four\\, \u00fc",
                      "DESCRIPTION:Room 4.", 'ATTENDEE;ROLE=OPT-PARTICIPANT;CN="":mailto:ben@b.example'):
             self.assertIn(line, lines)
+
+    def test_no_line_of_a_calendar_is_longer_than_it_may_be(self):
+        message = self.delivered(body="\u00fc" * 300)
+        (part,) = [part for part in message.walk() if part.get_content_type() == "text/calendar"]
+        lines = part.get_content().encode("utf-8").splitlines()
+        self.assertGreater(len(lines), 12)
+        self.assertLessEqual(max(map(len, lines)), 75)
 
     def test_a_delivered_response_says_what_its_sender_answers(self):
         method, lines = self.lines_of(self.delivered(messageClass="IPM.Schedule.Meeting.Resp.Neg"))
