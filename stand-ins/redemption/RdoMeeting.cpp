@@ -8,8 +8,12 @@
 namespace stand_ins::redemption {
 namespace {
 
-DispatchPtr AssociatedAppointment(RdoMail& meeting) {
-    const auto appointment = AppointmentOf(meeting.Owner(), meeting.Alive());
+DispatchPtr AssociatedAppointment(RdoMail& meeting, bool addToCalendar) {
+    auto appointment = AppointmentOf(meeting.Owner(), meeting.Alive());
+    if (!appointment && addToCalendar) {
+        meeting.Changing().data.linkBroken = false;
+        appointment = AddToCalendar(meeting.Owner(), meeting.Alive());
+    }
     return appointment ? MakeView(meeting.SharedOwner(), appointment) : DispatchPtr();
 }
 
@@ -17,8 +21,8 @@ DispatchPtr AssociatedAppointment(RdoMail& meeting) {
 
 const Class& RdoMeetingItemClass() {
     static const Class members = ClassOf<RdoMail>(L"RDOMeetingItem", kMeetingItemId, &RdoMailClass())
-                                     .Call(L"GetAssociatedAppointment", 1, 1, [](RdoMail& self, const Arguments&) {
-                                         return ObjectValue(AssociatedAppointment(self));
+                                     .Call(L"GetAssociatedAppointment", 1, 1, [](RdoMail& self, const Arguments& a) {
+                                         return ObjectValue(AssociatedAppointment(self, a.Truth(0)));
                                      });
     return members;
 }

@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "foundation/Log4CxxHelper.h"
+#include "stand-ins/redemption/Coclasses.h"
 
 namespace end_to_end {
 namespace fs = std::filesystem;
@@ -73,6 +74,9 @@ Desk::Desk() : close_(CreateEventW(nullptr, TRUE, FALSE, CloseEvent().c_str())) 
     fs::remove_all(folder_);
     fs::create_directories(folder_);
     RegDeleteTreeW(HKEY_CURRENT_USER, kProduct);
+    for (const auto& coclass : stand_ins::redemption::kCoclasses) { // left by a test that was killed
+        RegDeleteTreeW(HKEY_LOCAL_MACHINE, (std::wstring(L"SOFTWARE\\Classes\\") + coclass.progId).c_str());
+    }
     WriteLogConfiguration_();
     Register(ADDIN_MODULE);
     TellOutlook();

@@ -33,6 +33,10 @@ struct Format {
     const char* body;
 };
 
+void PrintTo(const Format& format, std::ostream* stream) {
+    *stream << format.name;
+}
+
 const Format kFormats[] = {
     {"Plain", {{"body", "Plans for Tuesday."}}, "body"},
     {"Html",

@@ -39,6 +39,10 @@ struct Format {
     std::wstring (*body)(const ItemData&);
 };
 
+void PrintTo(const Format& format, std::ostream* stream) {
+    *stream << format.name;
+}
+
 std::wstring PlainBody(const ItemData& mail) {
     return mail.body;
 }

@@ -8,6 +8,7 @@
 #include "foundation/RegistryKey.h"
 #include "foundation/StringUtils.h"
 #include "foundation/Throw.h"
+#include "tests/outlook/RedemptionLibrary.h"
 
 namespace outlook_tests {
 
@@ -42,6 +43,7 @@ std::vector<std::wstring> ContextOf(const vorlek::CInspectorMessage& message) {
 
 OutlookTest::OutlookTest() {
     RegistryKey::GetCurrentUser().DeleteSubKeyTree(kPluginKey);
+    RedemptionLibrary::Forget();
     Restart({});
     SetVersion(L"16.0.5.1");
     log.Clear();

@@ -39,11 +39,17 @@ RedemptionLibrary::RedemptionLibrary() {
 }
 
 RedemptionLibrary::~RedemptionLibrary() {
-    for (std::size_t i = 0; i < kCoclasses.size(); ++i) {
-        CoRevokeClassObject(registrations_[i]);
-        RegistryKey::GetLocalMachine().DeleteSubKeyTree(KeyOf(kCoclasses[i]));
+    for (const DWORD registration : registrations_) {
+        CoRevokeClassObject(registration);
     }
+    Forget();
     CoUninitialize();
+}
+
+void RedemptionLibrary::Forget() {
+    for (const Coclass& coclass : kCoclasses) {
+        RegistryKey::GetLocalMachine().DeleteSubKeyTree(KeyOf(coclass));
+    }
 }
 
 } // namespace outlook_tests

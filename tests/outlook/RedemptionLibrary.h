@@ -10,6 +10,8 @@ class RedemptionLibrary {
 public:
     RedemptionLibrary();
     ~RedemptionLibrary();
+    /// Takes out of the registry what a test left there that was killed.
+    static void Forget();
     RedemptionLibrary(const RedemptionLibrary&) = delete;
     RedemptionLibrary& operator=(const RedemptionLibrary&) = delete;
 
