@@ -7,13 +7,13 @@
 namespace benchmark_support {
 namespace {
 
-constexpr int kRepetitions = 9;
 constexpr double kSecondsPerRepetition = 0.05;
 const std::string kFloor = " (floor)";
 
 struct Line {
     std::string name;
     std::string goal;
+    double floor = 0; ///< 0: it is measured, too
 };
 
 std::vector<Line>& Lines_() {
@@ -27,19 +27,26 @@ std::map<std::string, double>& Medians_() {
     return medians;
 }
 
-void Register_(const std::string& name, Body body) {
-    benchmark::RegisterBenchmark(name.c_str(), body)
-        ->UseRealTime()
-        ->MinTime(kSecondsPerRepetition)
-        ->Repetitions(kRepetitions);
+void Register_(const std::string& name, Body body, int repetitions, int iterations) {
+    auto* const registered = benchmark::RegisterBenchmark(name.c_str(), body)->UseRealTime()->Repetitions(repetitions);
+    if (iterations == 0) {
+        registered->MinTime(kSecondsPerRepetition);
+    } else {
+        registered->Iterations(iterations);
+    }
 }
 
 } // namespace
 
-Row::Row(const std::string& name, const std::string& goal, Body operation, Body floor) {
+Row::Row(const std::string& name, const std::string& goal, Body operation, Body floor, const Effort& effort) {
     Lines_().push_back({name, goal});
-    Register_(name, operation);
-    Register_(name + kFloor, floor);
+    Register_(name, operation, effort.repetitions, effort.iterations);
+    Register_(name + kFloor, floor, effort.repetitions, effort.floorIterations);
+}
+
+Row::Row(const std::string& name, const std::string& goal, Body operation, double floor) {
+    Lines_().push_back({name, goal, floor});
+    Register_(name, operation, Effort().repetitions, 0);
 }
 
 bool RowReporter::ReportContext(const Context&) {
@@ -58,7 +65,10 @@ void RowReporter::ReportRuns(const std::vector<Run>& runs) {
 
 void RowReporter::Finalize() {
     std::printf("%-53s %14s %14s %14s %7s  %s\n", "median, ns", "operation", "floor", "difference", "ratio", "goal");
-    for (const auto& [name, goal] : Lines_()) {
+    for (const auto& [name, goal, given] : Lines_()) {
+        if (given != 0) {
+            Medians_()[name + kFloor] = given;
+        }
         const auto operation = Medians_().find(name);
         const auto floor = Medians_().find(name + kFloor);
         if (operation != Medians_().end() && floor != Medians_().end()) {

@@ -78,11 +78,25 @@ std::string RunBroken_(std::string stream, Random& random) {
     return Receive_(stream, Cuts_(stream, random)).failure;
 }
 
+/// Whether the delimiter at the end shares characters with one before it. A reader that stops at the first one then
+/// finds no end behind it; one that gets both at once does.
+bool EndsTwice_(UnitsView text) {
+    std::size_t begin = 0;
+    for (std::size_t at = 0; (at = text.find(kDelimiter, begin)) != text.npos;) {
+        begin = at + kDelimiter.size();
+    }
+    return begin != text.size();
+}
+
 std::string Run_(UnitsView input) {
     Random random(Hash(input));
-    const std::string stream = Bytes_(input) + Bytes_(kDelimiter);
+    const Units text = Units(input).append(kDelimiter);
+    const std::string stream = Bytes_(text);
     if (random.OneIn(8)) {
         return "broken stream: " + RunBroken_(stream, random);
+    }
+    if (EndsTwice_(text)) {
+        return "two ends in one: " + Receive_(stream, Cuts_(stream, random)).failure;
     }
     const Reading reading = Receive_(stream, {});
     Require(reading == Receive_(stream, Cuts_(stream, random)), "other pieces give other messages");

@@ -89,11 +89,13 @@ Deed ParseDeed(const std::wstring& text) {
     static const std::map<std::wstring, Deed::Kind> kinds = {{L"edit", Deed::Kind::Edit},
                                                              {L"move", Deed::Kind::Move},
                                                              {L"delete", Deed::Kind::Delete},
-                                                             {L"close-explorer", Deed::Kind::CloseExplorer}};
+                                                             {L"close-explorer", Deed::Kind::CloseExplorer},
+                                                             {L"die", Deed::Kind::Die}};
     const size_t colon = text.find(L':');
     const auto found = kinds.find(text.substr(0, colon));
     if (colon == std::wstring::npos || found == kinds.end()) {
-        Refuse(L"--meanwhile wants edit, move, delete or close-explorer, a colon and a text, not \"" + text + L"\"");
+        Refuse(L"--meanwhile wants edit, move, delete, close-explorer or die, a colon and a text, not \"" + text +
+               L"\"");
     }
     return {found->second, text.substr(colon + 1)};
 }
@@ -168,7 +170,8 @@ const char* Usage() {
            "  --until EVENT        stay until this event is set, whatever becomes of the items\n"
            "  --meanwhile DO:TEXT  while an add-in inspects an item whose subject or body holds TEXT, the user does "
            "one\n"
-           "                       of edit, move, delete (to the item) and close-explorer\n"
+           "                       of edit, move, delete (to the item) and close-explorer; die: Outlook ends as with "
+           "--die\n"
            "  --read-boxes         the user presses OK on every message box; what it says is told\n"
            "  --version N.N.N.N    what Application.Version answers (16.0.5.1)\n"
            "  --editor EDITOR      before Outlook 2007: outlook (as usual), word, or renamed-word, whose window has "
@@ -181,8 +184,10 @@ const char* Usage() {
            "  --strict-threads     refuse direct calls from other threads\n"
            "  --no-addins          load no add-in\n"
            "  --fail M=HRESULT[#n] let a member such as MailItem.Send fail, always or at its n-th call\n"
-           "  --die WHEN:M[#n]     end at once, without a look back and with the status 86, before or after the first (or\n"
-           "                       n-th) call of a member such as MailItem.Send; Transport.Submit is the item's leaving\n"
+           "  --die WHEN:M[#n]     end at once, without a look back and with the status 86, before or after the first "
+           "(or\n"
+           "                       n-th) call of a member such as MailItem.Send; Transport.Submit is the item's "
+           "leaving\n"
            "  --record FILE        write every call of the object model there\n"
            "  --figures            tell what the process holds after the first item, and after the last\n"
            "  --tell-shutdown      tell the add-ins of the end, as Outlook did before 2010\n";

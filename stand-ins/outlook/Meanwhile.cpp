@@ -5,6 +5,7 @@
 #include <optional>
 #include <set>
 
+#include "stand-ins/outlook/Death.h"
 #include "stand-ins/outlook/Dispatch.h"
 #include "stand-ins/outlook/Store.h"
 
@@ -42,6 +43,8 @@ void Do(Deed::Kind kind, Outlook& outlook, const DispatchPtr& item) {
         return;
     case Deed::Kind::CloseExplorer:
         return outlook.CloseExplorer();
+    case Deed::Kind::Die:
+        return Die();
     }
 }
 

@@ -9,7 +9,7 @@ namespace stand_ins {
 
 /// What the user does to an item while an add-in has it in hand.
 struct Deed {
-    enum class Kind { Edit, Move, Delete, CloseExplorer };
+    enum class Kind { Edit, Move, Delete, CloseExplorer, Die };
     Kind kind = Kind::Edit;
     std::wstring text = {}; ///< done to the items whose subject or body holds this
 };

@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Mails of the outside world for the stand-in Outlook.
 
-    mail.py open MAIL.eml ITEM.json     a MIME message becomes an item that outlook.exe can send
+    mail.py open MAIL.eml ITEM.json     a MIME message becomes an item that outlook.exe can send, and so does an
+                                        invitation: an .ics file, or a mail with such a part
     mail.py write ITEM.json MAIL.eml    a delivered item becomes a MIME message that any mail program opens
 
 A file that cannot be read or written gives one line on standard error and status 1; nothing is left half-written.
@@ -24,6 +25,8 @@ import re
 import sys
 import tempfile
 
+import calendar_part
+
 PLAIN, HTML, RICH_TEXT = 1, 2, 3
 BY_VALUE, EMBEDDED_ITEM = 1, 5
 RECIPIENT_HEADERS = {"to": 1, "cc": 2, "bcc": 3}
@@ -31,6 +34,8 @@ RECIPIENT_HEADERS = {"to": 1, "cc": 2, "bcc": 3}
 # Tells what a file is if it is no mail: "task", one that is assigned to whom it is addressed to.
 KIND_HEADER = "X-Item-Kind"
 OWN_HEADERS = {"from", "subject", "mime-version", KIND_HEADER.lower(), *RECIPIENT_HEADERS}
+# What is told by a calendar part instead.
+CALENDAR_KINDS = ("meeting", "appointment")
 SMTP_ADDRESS = "0x39FE001F"
 
 # What the parser forgives and a reader must not: parts would silently be missing or cut.
@@ -145,11 +150,16 @@ class Opener:
         self.data = data
         self.bodies = {}
         self.attachments = []
+        self.meeting = None
         self.message = email.message_from_bytes(data, policy=POLICY)
 
     def item(self):
         self.check_is_mail()
         self.take(self.message, self.data, "1", own=True)
+        item = self.mail()
+        return calendar_part.as_item(item, self.meeting) if self.meeting else item
+
+    def mail(self):
         bodies = self.bodies
         sender = next(iter(addresses(self.message, "from")), None)
         rich = "text/rtf" in bodies
@@ -224,6 +234,11 @@ class Opener:
                 self.fail(part, where, "a multipart whose boundaries are not in order")
             for number, (child, piece) in enumerate(zip(children, pieces), 1):
                 self.take(child, piece, f"{where}.{number}", own and (number == 1 or not related))
+        elif own and self.is_invitation(part, kind):
+            try:
+                self.meeting = calendar_part.Meeting(decode_bytes(self.payload(part, where), part.get_content_charset()))
+            except calendar_part.CalendarError as fault:
+                self.fail(part, where, str(fault))
         elif own and self.is_body(part, kind):
             self.bodies[self.body_kind(kind)] = self.body_text(part, where, kind)
         else:
@@ -232,6 +247,15 @@ class Opener:
     @staticmethod
     def body_kind(kind):
         return "text/rtf" if kind == "application/rtf" else kind
+
+    def is_invitation(self, part, kind):
+        """What a mail program shows as a meeting; a calendar file that is merely attached stays an attachment."""
+        return (
+            kind == "text/calendar"
+            and self.meeting is None
+            and part.get_param("method") is not None
+            and part.get_content_disposition() != "attachment"
+        )
 
     def is_body(self, part, kind):
         return (
@@ -291,7 +315,14 @@ class Opener:
 
 
 def open_mail(source, target):
-    item = Opener(read_bytes(source)).item()
+    data = read_bytes(source)
+    if data.removeprefix(b"\xef\xbb\xbf").lstrip()[:15].upper() == b"BEGIN:VCALENDAR":
+        try:
+            item = calendar_part.open_calendar(clean(decode_bytes(data, None)))
+        except calendar_part.CalendarError as fault:
+            raise MailError(str(fault)) from None
+    else:
+        item = Opener(data).item()
     replace_file(target, json.dumps(item, ensure_ascii=False, indent=1).encode("utf-8"))
 
 
@@ -344,7 +375,7 @@ class Writer:
 
     def headers(self):
         kept = [(str(n), one_line(str(v))) for n, v in self.list_of("headers")]
-        kept = [(n, v) for n, v in kept if re.fullmatch(r"[!-9;-~]+", n)]
+        kept = [(n, v) for n, v in kept if re.fullmatch(r"[!-9;-~]+", n) and n != calendar_part.KEPT]
         sender = self.text_of("account")
         if sender:
             yield "From", [one_address(one_line(self.text_of("fromName")), one_line(sender))]
@@ -354,7 +385,7 @@ class Writer:
                 yield name, listed
         yield "Subject", one_line(self.text_of("subject"))
         kind = one_line(self.text_of("kind"))
-        if kind not in ("", "mail"):
+        if kind not in ("", "mail", *CALENDAR_KINDS):
             yield KIND_HEADER, kind
         if not any(n.lower() == "date" for n, _ in kept):
             yield "Date", email.utils.formatdate(localtime=True)
@@ -394,7 +425,14 @@ class Writer:
         elif rich and self.item.get("rtfBody"):
             rtf = encoded_part("text/rtf", decode_base64(self.item["rtfBody"], "rtfBody"))
             body = multipart("alternative", [body, rtf])
+        if self.item.get("kind") in CALENDAR_KINDS:
+            body = multipart("alternative", [body, self.calendar()])
         return multipart("mixed", [body, *(a.part("attachment") for a in rest)]) if rest else body
+
+    def calendar(self):
+        part = text_part("calendar", clean(calendar_part.write_calendar(self.item)))
+        part.set_param("method", calendar_part.method_of(self.item))
+        return part
 
 
 class Attachment:

@@ -10,6 +10,7 @@
 #include <shellapi.h>
 
 #include "stand-ins/outlook/CommandLine.h"
+#include "stand-ins/outlook/Death.h"
 #include "stand-ins/outlook/Figures.h"
 #include "stand-ins/outlook/Meanwhile.h"
 #include "stand-ins/outlook/Outlook.h"
@@ -27,12 +28,6 @@ void Say(std::wstring line) {
         line, [](wchar_t c) { return c < L' '; }, L' ');
     std::printf("%s\n", ToUtf8(line).c_str());
     std::fflush(stdout);
-}
-
-// As a crash or a power failure ends it: nothing more is written or told.
-void Die() {
-    constexpr UINT kDied = 86;
-    TerminateProcess(GetCurrentProcess(), kDied);
 }
 
 std::vector<std::wstring> Arguments() {

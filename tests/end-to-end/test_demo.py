@@ -28,12 +28,15 @@ class Demo(unittest.TestCase):
         run = self.run_demo()
         self.assertEqual(run.returncode, 0, run.stdout + run.stderr)
         outcomes = [line for line in run.stdout.splitlines() if line.startswith("    outcome: ")]
-        self.assertEqual(len(outcomes), len(list((ROOT / "demo/mails").glob("*.eml"))))
+        self.assertEqual(len(outcomes), len(list((ROOT / "demo/mails").iterdir())))
+        killed = "    outcome: Outlook was killed, sent at its next start"
+        self.assertEqual(sum(line.startswith(killed) for line in outcomes), 1, outcomes)
         back = "    outcome: stopped by the add-in: brought back to the screen"
+        response = f'    outcome: sent  ({os.path.relpath(self.out / "delivered/14-accepted.eml")})'
         task = ('    outcome: sent, as "[Confidential] Order filters for the third trial"  '
                 f'({os.path.relpath(self.out / "delivered/15-task-request.eml")})')
-        self.assertEqual([line for line in outcomes if not line.startswith("    outcome: sent by the add-in")],
-                         [back, back, task])
+        self.assertEqual([line for line in outcomes if not line.startswith(("    outcome: sent by the add-in", killed))],
+                         [back, back, response, task])
         self.assertIn('The user was told: "The mail item was modified during inspection and was not sent."',
                       run.stdout.splitlines())
 
@@ -55,13 +58,27 @@ class Demo(unittest.TestCase):
 
         for part, wanted in (("From", "Ольга"), ("Subject", "Договор")):
             self.assertIn(wanted, str(self.delivered("04-cyrillic-koi8-r.eml")[part]))
+        self.assertEqual(self.delivered("12-outlook-killed.eml")["Subject"], "Keys for the workshop")
+        for name, method, subject in (
+                ("16-invitation.eml", "REQUEST", "[Confidential] Review of the filter trial"),
+                ("13-forwarded-meeting.eml", "REQUEST", "FW: Visit to the paper mill"),
+                ("14-accepted.eml", "REPLY", "Accepted: Visit to the paper mill")):
+            meeting = self.delivered(name)
+            self.assertEqual(meeting["Subject"], subject)
+            (calendar,) = [part for part in meeting.walk() if part.get_content_type() == "text/calendar"]
+            self.assertIn(f"\nMETHOD:{method}\n", calendar.get_content())
+            self.assertIn(f"\nSUMMARY:{subject}\n", calendar.get_content())
+        appointments = [item.read_text("utf-8")
+                        for item in (self.out / "profile/Stores/Outlook Data File/Calendar").iterdir()]
+        self.assertEqual(len(appointments), 3)
         self.assertNotIn("X-Demo-Item", self.delivered("01-plain.eml"))
         drafts = [item.read_text("utf-8") for item in (self.out / "profile/Stores/Outlook Data File/Drafts").iterdir()]
         self.assertEqual(len(drafts), 2)
         self.assertTrue(any("One more thing: see you on Friday." in item for item in drafts))
         for stays in ("07-card-number.eml", "11-changed-meanwhile.eml"):
             self.assertFalse((self.out / "delivered" / stays).exists())
-        self.assertEqual(len(list((self.out / "inspections").glob("*-inspector.xml"))), len(outcomes))
+        inspections = len(list((self.out / "inspections").glob("*-inspector.xml")))
+        self.assertEqual(inspections, len(outcomes) + 1)  # the interrupted one began anew
         self.assertIn("Started Async inspection.", (self.out / "add-in.log").read_text("utf-8"))
         self.assertIn("Message should be blocked!", (self.out / "add-in.log").read_text("utf-8"))
 

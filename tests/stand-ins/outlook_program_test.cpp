@@ -44,6 +44,8 @@ TEST(OutlookCommandLine, AllOptionsAreUnderstood) {
                                                L"edit:Plans: draft",
                                                L"--meanwhile",
                                                L"close-explorer:",
+                                               L"--meanwhile",
+                                               L"die:Plans",
                                                L"--send",
                                                L"a.json",
                                                L"b.json"});
@@ -69,11 +71,12 @@ TEST(OutlookCommandLine, AllOptionsAreUnderstood) {
     EXPECT_TRUE(line.figures);
     EXPECT_TRUE(line.readBoxes);
     EXPECT_EQ(line.until, L"Done");
-    ASSERT_EQ(line.deeds.size(), 2u);
+    ASSERT_EQ(line.deeds.size(), 3u);
     EXPECT_EQ(line.deeds[0].kind, Deed::Kind::Edit);
     EXPECT_EQ(line.deeds[0].text, L"Plans: draft");
     EXPECT_EQ(line.deeds[1].kind, Deed::Kind::CloseExplorer);
     EXPECT_EQ(line.deeds[1].text, L"");
+    EXPECT_EQ(line.deeds[2].kind, Deed::Kind::Die);
     EXPECT_TRUE(line.tellShutdown);
     EXPECT_THAT(line.items, testing::ElementsAre(L"a.json", L"b.json"));
 }
@@ -99,9 +102,9 @@ TEST(OutlookCommandLine, WhatIsNotUnderstoodIsRefusedInOneLine) {
     EXPECT_EQ(RefusalOf({L"--die", L"after:Send"}),
               "--die wants before or after, a colon and Class.Member or Class.Member#n, not \"after:Send\"");
     EXPECT_EQ(RefusalOf({L"--meanwhile", L"edit"}),
-              "--meanwhile wants edit, move, delete or close-explorer, a colon and a text, not \"edit\"");
+              "--meanwhile wants edit, move, delete, close-explorer or die, a colon and a text, not \"edit\"");
     EXPECT_EQ(RefusalOf({L"--meanwhile", L"burn:Plans"}),
-              "--meanwhile wants edit, move, delete or close-explorer, a colon and a text, not \"burn:Plans\"");
+              "--meanwhile wants edit, move, delete, close-explorer or die, a colon and a text, not \"burn:Plans\"");
     EXPECT_EQ(RefusalOf({L"--wait", L"soon"}), "\"soon\" holds no number where one is wanted");
 }
 
