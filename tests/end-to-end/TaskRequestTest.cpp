@@ -58,7 +58,7 @@ protected:
         EXPECT_THAT(Ledger(), IsEmpty());
     }
     void ExpectStopped(const OutlookRun& run) {
-        EXPECT_THAT(run.output, HasSubstr("stopped by the add-in: saved in Drafts, its window is open")) << run.output;
+        EXPECT_THAT(run.output, HasSubstr("stopped by the add-in: saved in Tasks, its window is open")) << run.output;
         EXPECT_THAT(Delivered(), IsEmpty());
         EXPECT_THAT(ItemsIn("Drafts"), SizeIs(1));
         EXPECT_THAT(Ledger(), IsEmpty());
