@@ -49,48 +49,24 @@ void LoadAddIns(Outlook& outlook) {
     }
 }
 
-// What became of an item so far; empty while an add-in has it in hand. Whoever closed the window of an item that he
-// stopped may send it or bring it back to the screen.
-std::wstring Fate(const Outlook& outlook, const SendResult& result) {
-    switch (result.outcome) {
-    case SendResult::Outcome::Sent:
-        return L"sent";
-    case SendResult::Outcome::Failed:
-        return L"failed: " + result.reason + L" (" + Hex(result.error) + L")";
-    case SendResult::Outcome::Stopped:
-        break;
-    }
-    if (Outlook::HasLeft(result)) {
-        return L"sent by the add-in";
-    }
-    if (outlook.IsOpen(result.entryId)) {
-        return L"stopped by the add-in: brought back to the screen";
-    }
-    return Outlook::IsGone(result) ? L"moved or deleted while the add-in had it" : L"";
-}
-
 // The items that the user has sent; of each it is told once what became of it.
 class Outbox {
 public:
     explicit Outbox(Outlook& outlook) : outlook_(outlook) {}
 
     void Send(const std::filesystem::path& file, ItemData item) {
-        const ItemKind kind = item.kind;
-        Item sent{file.filename().wstring() + L" \"" + item.subject + L"\": ", {}, {}};
+        Item sent;
+        sent.name = file.filename().wstring() + L" \"" + item.subject + L"\": ";
+        sent.home = Store::HomeOf(item.kind).filename().wstring();
         sent.result = outlook_.Send(outlook_.NewItem(std::move(item)));
-        const bool stays = sent.result.outcome == SendResult::Outcome::Stopped && outlook_.IsOpen(sent.result.entryId);
-        sent.home = Store::HomeOf(kind).filename().wstring();
-        if (stays) {
-            Say(sent.name + L"stopped by the add-in: saved in " + sent.home + L", its window is open");
-        } else {
-            items_.push_back(std::move(sent));
-        }
+        sent.staysOpen = sent.result.outcome == SendResult::Outcome::Stopped && outlook_.IsOpen(sent.result.entryId);
+        items_.push_back(std::move(sent));
     }
 
     // Whether all is told.
     bool Tell() {
         std::erase_if(items_, [&](const Item& item) {
-            const std::wstring fate = Fate(outlook_, item.result);
+            const std::wstring fate = Fate_(item);
             if (!fate.empty()) {
                 Say(item.name + fate);
             }
@@ -110,10 +86,36 @@ private:
     struct Item {
         std::wstring name;
         SendResult result;
-        std::wstring home; ///< the folder where it stands until it leaves
+        std::wstring home;      ///< the folder where it stands until it leaves
+        bool staysOpen = false; ///< the window in which it was sent was not closed
     };
 
+    // What became of an item so far; empty while an add-in has it in hand. Whoever closed the window of an item that he
+    // stopped may send it or bring it back to the screen; whoever left it open may send it as long as he is at work.
+    std::wstring Fate_(const Item& item) const {
+        switch (item.result.outcome) {
+        case SendResult::Outcome::Sent:
+            return L"sent";
+        case SendResult::Outcome::Failed:
+            return L"failed: " + item.result.reason + L" (" + Hex(item.result.error) + L")";
+        case SendResult::Outcome::Stopped:
+            break;
+        }
+        if (Outlook::HasLeft(item.result)) {
+            return L"sent by the add-in";
+        }
+        if (!outlook_.IsOpen(item.result.entryId)) {
+            return Outlook::IsGone(item.result) ? L"moved or deleted while the add-in had it" : L"";
+        }
+        if (!item.staysOpen) {
+            return L"stopped by the add-in: brought back to the screen";
+        }
+        return CountThreads() > threads_ ? L""
+                                         : L"stopped by the add-in: saved in " + item.home + L", its window is open";
+    }
+
     Outlook& outlook_;
+    const size_t threads_ = CountThreads();
     std::vector<Item> items_;
 };
 

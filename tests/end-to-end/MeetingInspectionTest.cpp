@@ -1,5 +1,5 @@
-// Meetings in whole processes, on both roads and both generations: what becomes of the request, of its appointment and of
-// the ledger.
+// Meetings in whole processes, on both roads and both generations: what becomes of the request, of its appointment and
+// of the ledger.
 #include <gmock/gmock.h>
 
 #include "stand-ins/agent/Agent.h"
@@ -153,7 +153,7 @@ TEST_F(MeetingInspection, SeriesLeavesInsideTheEvent) {
     const OutlookRun run = Send({Invitation({{"recurrenceState", 1}})}, {});
     ExpectSent();
     ExpectInsideTheEvent();
-    EXPECT_THAT(run.output, HasSubstr("item-1.json \"Plans\": sent\n"));
+    EXPECT_THAT(run.output, HasSubstr("item-1.json \"Plans\": sent\r\n"));
     EXPECT_THAT(Log(), Contains("INFO The related appointment is recurring - and should be handled \"OnSpot\". "
                                 "Recurrence state: 1"));
 }
@@ -211,9 +211,12 @@ TEST_F(MeetingInspection, AppointmentThatItsOrganizerChangesMeanwhileComesBack) 
         return std::optional<stand_ins::Answer>();
     };
     const stand_ins::Agent agent(agentOptions);
-    const OutlookRun run = Send({Invitation()}, {L"--meanwhile", L"edit:Plans"});
-    ASSERT_EQ(run.boxes, 1);
-    EXPECT_EQ(run.box->text, L"The mail item was modified during inspection and was not sent.");
+    Open({Invitation()}, {L"--meanwhile", L"edit:Plans"});
+    const auto box = AwaitBox();
+    ASSERT_TRUE(box);
+    EXPECT_EQ(box->text, L"The mail item was modified during inspection and was not sent.");
+    EXPECT_TRUE(Await([] { return Ledger().empty(); }));
+    const OutlookRun run = Close();
     EXPECT_THAT(run.output, HasSubstr("brought back to the screen"));
     EXPECT_THAT(Delivered(), IsEmpty());
     EXPECT_THAT(Ledger(), IsEmpty());
