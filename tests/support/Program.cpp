@@ -45,8 +45,16 @@ Program::Program(const std::filesystem::path& executable, const std::vector<std:
     startup.dwFlags = STARTF_USESTDHANDLES;
     startup.hStdOutput = startup.hStdError = file.Get();
     PROCESS_INFORMATION information = {};
-    if (!CreateProcessW(executable.c_str(), line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
-                        &information)) {
+    BOOL started = FALSE;
+    // Wine on a busy machine now and then fails to bring a process up, with this error and no other.
+    for (int attempt = 0; attempt < 3 && !started; ++attempt) {
+        started = CreateProcessW(executable.c_str(), line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
+                                 &information);
+        if (!started && GetLastError() != ERROR_INTERNAL_ERROR) {
+            break;
+        }
+    }
+    if (!started) {
         throw std::runtime_error("cannot start " + executable.string() + ": " + std::to_string(GetLastError()));
     }
     CloseHandle(information.hThread);
