@@ -71,7 +71,7 @@ Options Read(const std::vector<std::string>& arguments) {
 /// The file of a fault's input: UTF-16, or bytes for a target that takes bytes.
 std::filesystem::path Save(const fuzz::Fault& fault, const Target& target, std::size_t number, const Options& options) {
     create_directories(options.folder);
-    const std::filesystem::path path = options.folder / (target.name + ("-" + std::to_string(number)) + ".bin");
+    std::filesystem::path path = options.folder / (target.name + ("-" + std::to_string(number)) + ".bin");
     std::ofstream file(path, std::ios::binary);
     if (target.material().highest > 0xFF) {
         file.write(reinterpret_cast<const char*>(fault.input.data()),

@@ -16,8 +16,7 @@ namespace {
 /// A failure as an outcome, if the target may raise it; otherwise the end.
 std::string Judge_(const Target& target, const vorlek::Exception& failure) {
     const std::string words = vorlek::StringUtils::ToUtf8(failure.GetMessage());
-    const std::string outcome =
-        vorlek::StringUtils::ToUtf8(failure.GetExceptionName()) + ": " + WithoutVariables(words);
+    std::string outcome = vorlek::StringUtils::ToUtf8(failure.GetExceptionName()) + ": " + WithoutVariables(words);
     if (std::ranges::find(target.raises, failure.GetExceptionName()) == target.raises.end()) {
         EndWithFault(("raised " + outcome).c_str(), words.c_str());
     }

@@ -21,7 +21,7 @@ FolderPath PathOf(const std::wstring& folder) {
 std::shared_ptr<ItemRecord> MakeRecord(Session& session, ItemData item, FolderPath folder) {
     item.entryId.clear();
     const std::vector<ItemData> related = std::exchange(item.related, {});
-    const auto record = std::make_shared<ItemRecord>(std::move(item), std::move(folder));
+    auto record = std::make_shared<ItemRecord>(std::move(item), std::move(folder));
     if (!related.empty()) {
         const auto other = MakeRecord(session, related[0], Store::HomeOf(related[0].kind));
         session.Save(other);
