@@ -23,6 +23,26 @@ void Narrow_(std::wstring_view wide, std::string& narrow, UINT codePage, ThrowSi
     WideCharToMultiByte(codePage, 0, wide.data(), length, narrow.data(), size, nullptr, nullptr);
 }
 
+/// A piece of a text at a time, so that the memory of the result is not filled before it is written.
+void AppendUtf8_(std::wstring_view wide, std::string& utf8, ThrowSite site) {
+    constexpr std::size_t piece = 4096;
+    char bytes[3 * piece]; // no unit makes more
+    utf8.reserve(wide.size());
+    while (!wide.empty()) {
+        std::size_t length = std::min(wide.size(), piece);
+        if (length < wide.size() && length > 1 && IS_HIGH_SURROGATE(wide[length - 1])) {
+            --length; // it stays with its other half
+        }
+        const int size = WideCharToMultiByte(CP_UTF8, 0, wide.data(), static_cast<int>(length), bytes, sizeof(bytes),
+                                             nullptr, nullptr);
+        if (size <= 0) {
+            Throw(site, L"Invalid size!");
+        }
+        utf8.append(bytes, static_cast<std::size_t>(size));
+        wide.remove_prefix(length);
+    }
+}
+
 void Widen_(std::string_view narrow, std::wstring& wide, UINT codePage, ThrowSite site) {
     if (narrow.size() > INT_MAX) {
         Throw(site, L"Invalid size!");
@@ -98,9 +118,9 @@ void StringUtils::String2WString(const std::string& narrow, std::wstring& wide, 
     }
 }
 
-std::string StringUtils::ToUtf8(const std::wstring& wide) {
+std::string StringUtils::ToUtf8(std::wstring_view wide) {
     std::string utf8;
-    WString2String(wide, utf8, CP_UTF8);
+    AppendUtf8_(wide, utf8, L"vorlek::StringUtils::WString2String");
     return utf8;
 }
 

@@ -33,7 +33,7 @@ public:
     static void String2WString(const std::string& narrow, std::wstring& wide, UINT codePage = CP_ACP);
 
     /// UTF-8; an empty input gives an empty result. Ill-formed input becomes U+FFFD.
-    static std::string ToUtf8(const std::wstring& wide);
+    static std::string ToUtf8(std::wstring_view wide);
     static std::wstring FromUtf8(std::string_view utf8);
 
     /// In place.

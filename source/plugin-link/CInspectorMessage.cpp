@@ -32,7 +32,7 @@ ticpp::Element Pair_(const wchar_t* element, const std::wstring& name, const std
     return pair;
 }
 
-ticpp::Element Text_(const wchar_t* name, const std::wstring& text) {
+ticpp::Element Text_(const wchar_t* name, std::wstring_view text) {
     ticpp::Element element = Element_(name);
     element.SetText(StringUtils::ToUtf8(text));
     return element;
@@ -89,12 +89,11 @@ void CInspectorMessage::AddProcessId() {
     AddContextItem(vocabulary::key::kProcessIdInt32, GetCurrentProcessId());
 }
 
-void CInspectorMessage::AddTextItemToBody(const std::wstring& text, const std::wstring& textFormat) {
+void CInspectorMessage::AddTextItemToBody(std::wstring_view text, const std::wstring& textFormat) {
     _AddDataItem(word::kText, text, nullptr, textFormat);
 }
 
-void CInspectorMessage::AddTextItemToBody(const std::wstring& text, const Items& items,
-                                          const std::wstring& textFormat) {
+void CInspectorMessage::AddTextItemToBody(std::wstring_view text, const Items& items, const std::wstring& textFormat) {
     _AddDataItem(word::kText, text, &items, textFormat);
 }
 
@@ -124,7 +123,7 @@ void CInspectorMessage::AddFileItemToBody(const std::wstring& path, const Items&
 }
 
 // The root is touched at the very end, so that of an item that fails nothing is left.
-void CInspectorMessage::_AddDataItem(const std::wstring& encoding, const std::wstring& data, const Items* items,
+void CInspectorMessage::_AddDataItem(const std::wstring& encoding, std::wstring_view data, const Items* items,
                                      const std::wstring& textFormat) {
     Translated_(L"vorlek::CInspectorMessage::_AddDataItem", [&] {
         ticpp::Element dataItem = Element_(word::kDataItem);

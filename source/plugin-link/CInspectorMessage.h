@@ -33,8 +33,8 @@ public:
 
     /// Adds a data item. textFormat: such as vocabulary::textFormat::kClearText, empty for none. items:
     /// the item's own context. Each of these throws CInspectorMessageXmlException.
-    void AddTextItemToBody(const std::wstring& text, const std::wstring& textFormat);
-    void AddTextItemToBody(const std::wstring& text, const Items& items, const std::wstring& textFormat);
+    void AddTextItemToBody(std::wstring_view text, const std::wstring& textFormat);
+    void AddTextItemToBody(std::wstring_view text, const Items& items, const std::wstring& textFormat);
     /// length: in bytes. Throws CInspectorMessageException if there is nothing to encode.
     void AddBinaryItemToBody(const BYTE* buffer, std::size_t length);
     void AddBinaryItemToBody(const BYTE* buffer, std::size_t length, const Items& items);
@@ -47,7 +47,7 @@ public:
 
 private:
     void _CreateMainElements(const std::wstring& channel);
-    void _AddDataItem(const std::wstring& encoding, const std::wstring& data, const Items* items,
+    void _AddDataItem(const std::wstring& encoding, std::wstring_view data, const Items* items,
                       const std::wstring& textFormat);
     void AddBinaryItem_(const BYTE* buffer, std::size_t length, const Items* items);
 

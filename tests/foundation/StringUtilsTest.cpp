@@ -90,6 +90,10 @@ TEST(StringUtils, AnyTextSurvivesUtf8) {
     text += L'\0';
     EXPECT_TRUE(text == StringUtils::FromUtf8(StringUtils::ToUtf8(text)));
     EXPECT_EQ("\xF0\x9F\x98\x80", StringUtils::ToUtf8(L"\xD83D\xDE00"));
+    for (const std::size_t before : {4094, 4095, 4096, 8191}) { // wherever a long text is cut
+        EXPECT_EQ(std::string(before, 'x') + "\xF0\x9F\x98\x80y",
+                  StringUtils::ToUtf8(std::wstring(before, L'x') + L"\xD83D\xDE00y"));
+    }
 }
 
 TEST(StringUtils, IllFormedTextIsReplaced) {

@@ -174,7 +174,7 @@ TEST(TreeRemoval, LeavesATrailForADebugger) {
     WriteBytes(folder / L"a\\file", "x");
     WriteBytes(folder / L"a\\system", "x");
     FileUtils::SetAttributes(folder / L"a\\system", FILE_ATTRIBUTE_SYSTEM);
-    const std::string path = StringUtils::ToUtf8(folder / L"a");
+    const std::string path = StringUtils::ToUtf8((folder / L"a").wstring());
     const DebugOutput output;
     FileUtils::RemoveAllFiles(folder / L"a", true);
     EXPECT_EQ("RemoveAllFiles FindFirstFile looking for file=." + path + "\\*.,path=" + path + "\\\n",
@@ -198,7 +198,7 @@ TEST(TreeRemoval, TrailTellsOfAKeptDirectoryAndOfAFileInUse) {
     WriteBytes(folder / L"file", "x");
     const HANDLE held =
         CreateFileW((folder / L"file").c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-    const std::string path = StringUtils::ToUtf8(folder / L"file");
+    const std::string path = StringUtils::ToUtf8((folder / L"file").wstring());
     const DebugOutput output;
     FileUtils::RemoveAllFiles(folder.Path(), false);
     CloseHandle(held);

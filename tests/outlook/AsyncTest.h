@@ -27,7 +27,7 @@ public:
     }
     void Open() { SetEvent(opened_.Get()); }
     /// Until it is opened; a test that never does it fails and goes on.
-    void Wait() const { EXPECT_EQ(WaitForSingleObject(opened_.Get(), 20000), WAIT_OBJECT_0); }
+    void Wait() const { EXPECT_EQ(WaitForSingleObject(opened_.Get(), 90000), WAIT_OBJECT_0); }
 
 private:
     vorlek::FileHandle opened_{CreateEventW(nullptr, TRUE, FALSE, nullptr)};

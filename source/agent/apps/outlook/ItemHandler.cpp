@@ -99,7 +99,7 @@ void ItemHandler::FillItemBody_(CInspectorMessage& message) {
     ExportBody(path, plainText);
     LOG_INFO(logger_, L"Exported item body, plain text size: " << plainText.length() << L", filename: " << path);
     message.AddContextItem(vocabulary::key::kEmailBody, path);
-    message.AddTextItemToBody(platform::ToWide(plainText),
+    message.AddTextItemToBody(std::wstring_view(static_cast<const wchar_t*>(plainText), plainText.length()),
                               {{vocabulary::key::kItemType, vocabulary::itemType::kEmailBody}},
                               vocabulary::textFormat::kClearText);
 }
