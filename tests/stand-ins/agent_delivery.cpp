@@ -148,7 +148,9 @@ TEST_F(AgentServing, TheConnectionEndsAtAnyByteOfARequest) {
         ASSERT_EQ(closed.end, End::Closed) << at;
         agent.Misbehave(unread + L"+reset");
         Client client(agent.Port());
-        client.Send(call.substr(0, at));
+        if (at != 0) { // of nothing it does not wait for the first byte, and a send may come too late
+            client.Send(call.substr(0, at));
+        }
         const Reply reset = client.Read();
         ASSERT_EQ(reset.bytes, "") << at;
         ASSERT_EQ(reset.end, End::Reset) << at;
