@@ -133,7 +133,7 @@ TEST_P(ItemContentTest, ANameMayHoldEveryCharacterThatWindowsAllowsInAFile) {
             name.clear();
         }
     }
-    names.push_back(L"\xD83D\xDE00 \xD840\xDC00.txt");
+    names.emplace_back(L"\xD83D\xDE00 \xD840\xDC00.txt");
     attachments.push_back({.fileName = names.back(), .content = BytesOf(names.back())});
     const auto found = AttachmentsIn(Fill({.body = L"text", .attachments = attachments}));
     ASSERT_THAT(found, SizeIs(names.size()));
@@ -200,7 +200,7 @@ TEST_P(ItemContentTest, HtmlIsExportedToTheByteWithoutAMark) {
 }
 
 TEST_P(ItemContentTest, RichTextIsExportedToTheByte) {
-    const std::string rtf = std::string("{\\rtf1\\ansi \\'e9\0\xFF\r\n", 21) + std::string(1'000'000, 'x') + "}";
+    const std::string rtf = std::string("{\\rtf1\\ansi \\'e9\0\xFF\r\n", 20) + std::string(1'000'000, 'x') + "}";
     EXPECT_TRUE(ExportOf({.body = L"text", .rtfBody = rtf}) == rtf);
 }
 
