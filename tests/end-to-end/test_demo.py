@@ -66,8 +66,9 @@ class Demo(unittest.TestCase):
             meeting = self.delivered(name)
             self.assertEqual(meeting["Subject"], subject)
             (calendar,) = [part for part in meeting.walk() if part.get_content_type() == "text/calendar"]
-            self.assertIn(f"\nMETHOD:{method}\n", calendar.get_content())
-            self.assertIn(f"\nSUMMARY:{subject}\n", calendar.get_content())
+            lines = calendar.get_content().splitlines()
+            self.assertIn(f"METHOD:{method}", lines)
+            self.assertIn(f"SUMMARY:{subject}", lines)
         appointments = [item.read_text("utf-8")
                         for item in (self.out / "profile/Stores/Outlook Data File/Calendar").iterdir()]
         self.assertEqual(len(appointments), 3)
