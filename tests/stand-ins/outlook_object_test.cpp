@@ -107,7 +107,8 @@ TEST_F(OutlookObject, FaultsMeetOneCallOrOneKind) {
 TEST_F(OutlookObject, ActionsAfterAMemberComeOnceItHasDoneItsWork) {
     const auto mail = Mail();
     std::vector<std::wstring> seen;
-    outlook_.Failures().After(L"MailItem.Subject put", [&] { seen.push_back(GetText(mail, L"Subject")); }, 2);
+    outlook_.Failures().After(
+        L"MailItem.Subject put", [&] { seen.push_back(GetText(mail, L"Subject")); }, 2);
     Put(mail, L"Subject", L"First");
     Put(mail, L"Subject", L"Second");
     Put(mail, L"Subject", L"Third");
