@@ -21,11 +21,7 @@ const Json kBlock = {{"rules", {{{"name", "all"}, {"then", {{"block", true}}}}}}
 
 constexpr const wchar_t* kUnsentText = L"One message or more could not be sent.\nPlease check your Drafts folder";
 constexpr const wchar_t* kModifiedText = L"The mail item was modified during inspection and was not sent.";
-#ifdef _GLIBCXX_ASSERTIONS // its heap takes pages of their own for each block, and the system has so many
-constexpr int kMails = 60;
-#else
 constexpr int kMails = 200;
-#endif
 constexpr const char* kFinished = "INFO Finished Async inspection successfully.";
 
 class AsyncInspection : public Desk {

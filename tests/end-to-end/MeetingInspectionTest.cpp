@@ -27,11 +27,7 @@ const Json kChange = {{"rules",
 const Json kAttachment = {{{"fileName", "plan.txt"}, {"content", "YQ=="}}};
 
 constexpr const char* kStarted = "INFO Started Async inspection.";
-#ifdef _GLIBCXX_ASSERTIONS // its heap takes pages of their own for each block, and the system has so many
-constexpr int kMeetings = 40;
-#else
 constexpr int kMeetings = 200;
-#endif
 
 class MeetingInspection : public Desk {
 protected:

@@ -14,13 +14,8 @@ using stand_ins::Figures;
 using stand_ins::SendResult;
 using testing::IsEmpty;
 
-#ifdef _GLIBCXX_ASSERTIONS // its heap takes pages of their own for each block, and the system has so many
-constexpr int kMails = 20;
-constexpr int kMore = 10;
-#else
 constexpr int kMails = 200;
 constexpr int kMore = 50; // when every part has what it keeps for so many threads
-#endif
 
 class LoadTest : public AsyncTest {
 protected:

@@ -1,6 +1,6 @@
-// The heap of the checked build: every block of operator new ends at a page that may not be touched, and
-// stays out of bounds for a while after its release. A write past the end or a use after the release thus
-// crashes where it happens.
+// The heap of the checked build: every block of operator new, of some thousands at a time, ends at a page that may not
+// be touched, and stays out of bounds for a while after its release. A write past the end or a use after the release
+// thus crashes where it happens.
 #include <cstdint>
 #include <cstring>
 #include <new>
@@ -14,13 +14,14 @@ constexpr std::size_t kAlignment = 16;
 constexpr std::uint64_t kAlive = 0x4556494C41444E41;
 constexpr unsigned char kFresh = 0xCD;
 constexpr unsigned char kSlack = 0xFD;
+constexpr unsigned char kReleased = 0xDD;
 
 /// Stands right in front of the caller's bytes.
 struct alignas(kAlignment) Header {
     std::uint64_t state;
     std::size_t size;
-    unsigned char* base;
-    std::uint64_t padding;
+    unsigned char* base; ///< of its pages, or of its place in the process heap
+    bool hasPages;
 };
 
 std::size_t RoundUp(std::size_t size, std::size_t unit) {
@@ -72,6 +73,26 @@ private:
     unsigned char* slots_[kMost] = {};
 };
 
+/// Counts the blocks that have pages of their own. Those beyond the limit share the process heap, with what stands
+/// around them checked at their release: a test of a thousand of something is no reason to run out of page ranges.
+class PageBudget {
+public:
+    bool Take() {
+        if (InterlockedIncrement(&taken_) <= kMost) {
+            return true;
+        }
+        InterlockedDecrement(&taken_);
+        return false;
+    }
+    void Return() { InterlockedDecrement(&taken_); }
+
+private:
+    static constexpr LONG kMost = 8192; // the add-in and the program that loads it have a heap each
+    LONG taken_ = 0;
+};
+
+constinit PageBudget budget;
+
 // For blocks of one page, of two, and of any other number of pages; these give their memory back at once.
 // The first to be built and the last to be destroyed: a DLL that goes gives all addresses back.
 [[gnu::init_priority(101)]] constinit Quarantine quarantines[3];
@@ -98,21 +119,51 @@ unsigned char* Pages(std::size_t committed) {
     return base != nullptr && VirtualProtect(base, committed, PAGE_READWRITE, &old) ? base : NewPages(committed);
 }
 
+/// Where a block begins whose body ends with its pages, or whose slack is followed by more of it; null: no memory.
+unsigned char* Place(std::size_t body, Header& header) {
+    header.hasPages = budget.Take();
+    if (header.hasPages) {
+        const std::size_t committed = RoundUp(sizeof(Header) + body, kPage);
+        header.base = Pages(committed);
+        return header.base == nullptr ? nullptr : header.base + committed - body;
+    }
+    header.base = static_cast<unsigned char*>(HeapAlloc(GetProcessHeap(), 0, sizeof(Header) + body + kAlignment));
+    return header.base == nullptr ? nullptr : header.base + sizeof(Header);
+}
+
+std::size_t SlackEnd(const Header& header) {
+    return RoundUp(header.size, kAlignment) + (header.hasPages ? 0 : kAlignment);
+}
+
 void* Allocate(std::size_t size) noexcept {
     const std::size_t body = RoundUp(size, kAlignment);
-    const std::size_t committed = RoundUp(sizeof(Header) + body, kPage);
-    if (committed < size) {
+    if (body + 2 * kPage < size) {
         return nullptr;
     }
-    unsigned char* base = Pages(committed);
-    if (base == nullptr) {
+    Header header = {kAlive, size, nullptr, false};
+    unsigned char* block = Place(body, header);
+    if (block == nullptr) {
+        if (header.hasPages) {
+            budget.Return();
+        }
         return nullptr;
     }
-    unsigned char* block = base + committed - body;
-    *reinterpret_cast<Header*>(block - sizeof(Header)) = {kAlive, size, base, 0};
+    *reinterpret_cast<Header*>(block - sizeof(Header)) = header;
     std::memset(block, kFresh, size);
-    std::memset(block + size, kSlack, body - size);
+    std::memset(block + size, kSlack, SlackEnd(header) - size);
     return block;
+}
+
+void ReleasePages(const Header& header) {
+    const std::size_t committed = RoundUp(sizeof(Header) + RoundUp(header.size, kAlignment), kPage);
+    if (IsKept(committed)) {
+        DWORD old = 0;
+        VirtualProtect(header.base, committed, PAGE_NOACCESS, &old);
+    } else {
+        VirtualFree(header.base, 0, MEM_DECOMMIT);
+    }
+    QuarantineOf(committed).Add(header.base);
+    budget.Return();
 }
 
 void Release(void* pointer) noexcept {
@@ -124,20 +175,17 @@ void Release(void* pointer) noexcept {
     if (header.state != kAlive) {
         Fault();
     }
-    const std::size_t body = RoundUp(header.size, kAlignment);
-    for (std::size_t i = header.size; i < body; ++i) {
+    for (std::size_t i = header.size; i < SlackEnd(header); ++i) {
         if (block[i] != kSlack) {
             Fault();
         }
     }
-    const std::size_t committed = RoundUp(sizeof(Header) + body, kPage);
-    if (IsKept(committed)) {
-        DWORD old = 0;
-        VirtualProtect(header.base, committed, PAGE_NOACCESS, &old);
-    } else {
-        VirtualFree(header.base, 0, MEM_DECOMMIT);
+    if (header.hasPages) {
+        ReleasePages(header);
+        return;
     }
-    QuarantineOf(committed).Add(header.base);
+    std::memset(header.base, kReleased, sizeof(Header) + SlackEnd(header)); // a second release meets no living header
+    HeapFree(GetProcessHeap(), 0, header.base);
 }
 
 void* AllocateOrThrow(std::size_t size) {

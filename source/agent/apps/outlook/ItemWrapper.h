@@ -82,8 +82,12 @@ protected:
     _bstr_t ReadPlainText_(const log4cxx::LoggerPtr& logger);
     /// Redemption's view of the item, null if there is none; failures are logged.
     IDispatchPtr GetRDOObject();
+    /// The guarded view of the item, made at the first call and kept; null without Redemption.
+    Redemption::ISafeItemPtr KeepSafeItem_(const wchar_t* progId, const wchar_t* noClass, const wchar_t* noInstance,
+                                           const log4cxx::LoggerPtr& logger);
 
     T Item_;
+    Redemption::ISafeItemPtr SafeItem_;
 
 private:
     /// Closes the window of an item that is written in Word, which has a window of its own before Outlook 2007.
@@ -241,6 +245,19 @@ Redemption::IRDOSessionPtr ItemWrapper<T>::GetRDOSession() {
     return CreateRedemptionObject<Redemption::IRDOSessionPtr>(
         L"Redemption.RDOSession", L"Failed to retrieve Redemption.RDOSession CLSID!",
         L"Failed to create Redemption.RDOSession instance!", logger_);
+}
+
+template <class T>
+Redemption::ISafeItemPtr ItemWrapper<T>::KeepSafeItem_(const wchar_t* progId, const wchar_t* noClass,
+                                                       const wchar_t* noInstance, const log4cxx::LoggerPtr& logger) {
+    if (!SafeItem_) {
+        const auto view = CreateRedemptionObject<Redemption::ISafeItemPtr>(progId, noClass, noInstance, logger);
+        if (view) {
+            view->PutItem(Item_);
+            SafeItem_ = view; // not before the item is in it
+        }
+    }
+    return SafeItem_;
 }
 
 template <class T>

@@ -218,16 +218,8 @@ DATE MeetingHandler::GetLastModificationTime() {
 }
 
 Redemption::ISafeItemPtr MeetingHandler::GetSafeItem() {
-    if (!SafeItem_) {
-        const auto safeItem = CreateRedemptionObject<Redemption::ISafeItemPtr>(
-            L"Redemption.SafeMeetingItem", L"Failed to retrieve Redemption.SafeMeetingItem CLSID",
-            L"Failed to create Redemption.SafeMeetingItem instance", logger_);
-        if (safeItem) {
-            safeItem->PutItem(Item_);
-            SafeItem_ = safeItem;
-        }
-    }
-    return SafeItem_;
+    return KeepSafeItem_(L"Redemption.SafeMeetingItem", L"Failed to retrieve Redemption.SafeMeetingItem CLSID",
+                         L"Failed to create Redemption.SafeMeetingItem instance", logger_);
 }
 
 void MeetingHandler::ExportBody(std::wstring& path, _bstr_t& plainText) {

@@ -83,7 +83,6 @@ private:
     static LoggerHolder logger_;
 
     MeetingItemType MeetingType_ = MeetingItemType::MeetingUnknown;
-    Redemption::ISafeItemPtr SafeItem_;
     bool isReadingLedger_ = false;
 };
 

@@ -135,16 +135,8 @@ DATE MessageHandler::GetLastModificationTime() {
 }
 
 Redemption::ISafeItemPtr MessageHandler::GetSafeItem() {
-    if (!SafeItem_) {
-        const auto safeItem = CreateRedemptionObject<Redemption::ISafeItemPtr>(
-            L"Redemption.SafeMailItem", L"Failed to retrieve Redemption.SafeMailItem CLSID",
-            L"Failed to create Redemption.SafeMailItem instance", logger_);
-        if (safeItem) {
-            safeItem->PutItem(Item_);
-            SafeItem_ = safeItem;
-        }
-    }
-    return SafeItem_;
+    return KeepSafeItem_(L"Redemption.SafeMailItem", L"Failed to retrieve Redemption.SafeMailItem CLSID",
+                         L"Failed to create Redemption.SafeMailItem instance", logger_);
 }
 
 void MessageHandler::ExportBody(std::wstring& path, _bstr_t& plainText) {

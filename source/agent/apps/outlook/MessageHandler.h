@@ -37,8 +37,6 @@ private:
     Redemption::IRDOMailPtr GetLabelledMail_();
 
     static LoggerHolder logger_;
-
-    Redemption::ISafeItemPtr SafeItem_;
 };
 
 } // namespace vorlek

@@ -53,7 +53,6 @@ private:
     static LoggerHolder logger_;
 
     TaskItemKind kind_ = TaskResponse;
-    Redemption::ISafeItemPtr SafeItem_;
 };
 
 } // namespace vorlek
