@@ -30,7 +30,7 @@ constexpr const char* kStarted = "INFO Started Async inspection.";
 #ifdef _GLIBCXX_ASSERTIONS // its heap takes pages of their own for each block, and the system has so many
 constexpr int kMeetings = 40;
 #else
-constexpr int kMeetings = 200;
+constexpr int kMeetings = 100; // each takes as long as two mails
 #endif
 
 class MeetingInspection : public Desk {
