@@ -16,6 +16,8 @@ constexpr wchar_t kAddIns[] = L"SOFTWARE\\Microsoft\\Office\\Outlook\\Addins\\Ou
 constexpr wchar_t kInput[] = L"SOFTWARE\\Vorlek\\OutlookQLTPlugin\\Input";
 constexpr wchar_t kUnsent[] = L"SOFTWARE\\Vorlek\\OutlookQLTPlugin\\Unsent";
 constexpr wchar_t kProduct[] = L"SOFTWARE\\Vorlek\\OutlookQLTPlugin";
+constexpr wchar_t kKeptUnsent[] = L"SOFTWARE\\Vorlek\\OutlookQLTPlugin\\Kept";
+constexpr const char* kKept = "kept";
 constexpr wchar_t kBoxCaption[] = L"Microsoft Outlook";
 constexpr wchar_t kOnSpot[] = L"onspotenabled";
 constexpr DWORD kLoadAtStart = 3;
@@ -44,6 +46,19 @@ void TellOutlook() {
     RegSetKeyValueW(HKEY_LOCAL_MACHINE, kAddIns, L"FriendlyName", REG_SZ, L"Mail inspection", 32);
     RegSetKeyValueW(HKEY_LOCAL_MACHINE, kAddIns, L"Description", REG_SZ, L"Mail inspection", 32);
     RegSetKeyValueW(HKEY_LOCAL_MACHINE, kAddIns, L"LoadBehavior", REG_DWORD, &kLoadAtStart, sizeof(kLoadAtStart));
+}
+
+void CopyKey(const wchar_t* from, const wchar_t* to) {
+    RegDeleteTreeW(HKEY_CURRENT_USER, to);
+    HKEY target = nullptr;
+    LSTATUS status = RegCreateKeyW(HKEY_CURRENT_USER, to, &target);
+    if (status == ERROR_SUCCESS) {
+        status = RegCopyTreeW(HKEY_CURRENT_USER, from, target);
+        RegCloseKey(target);
+    }
+    if (status != ERROR_SUCCESS) {
+        throw std::runtime_error("the ledger cannot be copied: " + std::to_string(status));
+    }
 }
 
 std::vector<Json> ReadItems(const fs::path& folder) {
@@ -183,6 +198,18 @@ void Desk::StartAfresh() const {
     fs::remove_all(folder_ / "profile");
     fs::remove(folder_ / "add-in.log");
     RegDeleteTreeW(HKEY_CURRENT_USER, kUnsent);
+}
+
+void Desk::Keep() const {
+    fs::remove_all(folder_ / kKept);
+    fs::copy(folder_ / "profile", folder_ / kKept, fs::copy_options::recursive);
+    CopyKey(kUnsent, kKeptUnsent);
+}
+
+void Desk::Restore() const {
+    StartAfresh();
+    fs::copy(folder_ / kKept, folder_ / "profile", fs::copy_options::recursive);
+    CopyKey(kKeptUnsent, kUnsent);
 }
 
 bool Desk::Await(const std::function<bool()>& condition) const {

@@ -63,6 +63,9 @@ protected:
 
     /// An empty profile, ledger and log, as before the first run. Outlook is closed.
     void StartAfresh() const;
+    /// Puts the profile and the ledger by, and as they were then back in their places. Outlook is closed.
+    void Keep() const;
+    void Restore() const;
 
     std::vector<Json> Delivered() const;
     std::vector<Json> ItemsIn(const std::string& folder) const;
