@@ -45,6 +45,12 @@ protected:
     }
 };
 
+TEST_F(MeetingHandlerTest, LinesBearTheNameOfTheClass) {
+    Start(Request());
+    handler->GetLastModificationTime();
+    EXPECT_TRUE(log.Lines().front().logger.ends_with(L"vorlek.MeetingHandler"));
+}
+
 TEST_F(MeetingHandlerTest, TheTypeFollowsFromTheMessageClassAndTheSubject) {
     const auto expectType = [&](const ItemData& meeting, const wchar_t* messageClass, int type) {
         EXPECT_EQ(ClassLineOf(meeting),

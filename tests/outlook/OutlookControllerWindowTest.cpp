@@ -190,6 +190,7 @@ TEST_F(ExplorerWindowTest, AControllerThatIsGoneLeavesTheWindowItsOwnProcedure) 
 TEST_F(ExplorerWindowTest, ASecondControllerDoesNotSubclassItself) {
     const HWND window = Subclass();
     OutlookController another; // forgets the window
+    EXPECT_EQ(OutlookControllerPeer::SubclassedWindow(), nullptr);
     OutlookControllerPeer(another).SetApplication(App());
     OutlookControllerPeer(another).Subclass();
     EXPECT_EQ(SendMessageW(window, WM_USER + 1, 2, 3), kAnswer);
