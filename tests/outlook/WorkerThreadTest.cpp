@@ -50,6 +50,14 @@ TEST(WorkerThreadTest, WithoutAThreadItThrowsAndCountsNone) {
     EXPECT_EQ(WorkerThread::Running(), 0);
 }
 
+TEST(WorkerThreadTest, WithoutAHoldOnItsModuleItThrowsAndCountsNone) {
+    Orders orders;
+    const test_support::FailingImport<"GetModuleHandleExW", decltype(GetModuleHandleExW)> none(ERROR_MOD_NOT_FOUND);
+    test_support::ExpectFailure<Exception>([&] { WorkerThread::Start(Obey, &orders); }, L"vorlek::WorkerThread::Start",
+                                           L"GetModuleHandleExW failed with: 126");
+    EXPECT_EQ(WorkerThread::Running(), 0);
+}
+
 TEST(WorkerThreadTest, TheHandleOfAWorkerIsGivenBackAtOnce) {
     using Create = test_support::ReplacedImport<"CreateThread", decltype(CreateThread)>;
     using Close = test_support::ReplacedImport<"CloseHandle", decltype(CloseHandle)>;
