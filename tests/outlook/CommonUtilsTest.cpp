@@ -143,7 +143,10 @@ TEST_F(CommonUtilsTest, TheSentItemIdIsReadBack) {
     log.Clear();
     EXPECT_EQ(CommonUtils::GetSentItemId(L"ID-1", logger), L"SENT-1");
     EXPECT_TRUE(log.Has(L"INFO", L"looking for item with id - ID-1 in the registry"));
-    EXPECT_TRUE(log.Has(L"DEBUG", L"Successfully retrieved SENT-1"));
+    EXPECT_THAT(log.Texts(L"DEBUG"), ElementsAre(L"Taking lock to access the IDs in the Registry",
+                                                 L"Accessing the IDs in the Registry - open subkey",
+                                                 L"Accessing the IDs in the Registry - opened subkey - reading values",
+                                                 L"Successfully retrieved SENT-1"));
 }
 
 TEST_F(CommonUtilsTest, AnAbsentSentItemIdIsAFailureAndEmpty) {

@@ -38,6 +38,11 @@ protected:
     std::wstring Path(const std::wstring& name) const { return (folder / name).wstring(); }
 };
 
+TEST_F(ItemHandlerTest, LinesBearTheNameOfTheClass) {
+    HandlerOf(kMail)->HandleOnSpot();
+    EXPECT_TRUE(log.Lines().front().logger.ends_with(L"vorlek.ItemHandler"));
+}
+
 TEST_F(ItemHandlerTest, AMessageHoldsSubjectSenderRecipientsAttachmentsBodyAndVersionInThisOrder) {
     const auto handler = HandlerOf(kMail);
     CInspectorMessage message(L"Email");

@@ -152,6 +152,7 @@ TEST_F(MeetingHandlerLabelsTest, AHandlerWithoutAnItemChangesNothing) {
     EXPECT_EQ(Errors().back(), L"item_ is NULL, doing nothing");
     EXPECT_FALSE(on.OverrideItemAttachments({}));
     EXPECT_EQ(Infos().back(), L" item_ == NULL doing nothing");
+    EXPECT_EQ(Errors().back(), L"Failed to get Associated Appointment! Handle on spot."); // and no failure of its own
 }
 
 TEST_F(MeetingHandlerLabelsTest, TheBodyOfARequestIsThatOfItsAppointment) {

@@ -148,6 +148,7 @@ TEST_F(MeetingHandlerSendTest, WithoutAppointmentAndRedemptionNothingIsSentAndTh
     EXPECT_THAT(Infos(), Contains(L"Attempting to send with RDO"));
     EXPECT_THAT(Errors(), IsSupersetOf({L"Failed to retrieve Redemption.RDOSession instance!",
                                         L"Failed to get Associated Appointment!"}));
+    EXPECT_EQ(Errors().back(), L"Failed to get Associated Appointment!");
     EXPECT_THAT(outlook->Delivered(), IsEmpty());
     EXPECT_THAT(SubjectsIn(L"Drafts"), ElementsAre(L"Review"));
     EXPECT_THAT(Ledger(), IsEmpty());

@@ -29,6 +29,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::IsSupersetOf;
 using testing::Not;
+using testing::StartsWith;
 
 constexpr wchar_t kRecurring[] =
     L"The related appointment is recurring - and should be handled \"OnSpot\". Recurrence state: ";
@@ -44,6 +45,12 @@ protected:
         return Infos().empty() ? L"" : Infos().back();
     }
 };
+
+TEST_F(MeetingHandlerTest, LinesBearTheNameOfTheClass) {
+    Start(Request());
+    handler->GetLastModificationTime();
+    EXPECT_TRUE(log.Lines().front().logger.ends_with(L"vorlek.MeetingHandler"));
+}
 
 TEST_F(MeetingHandlerTest, TheTypeFollowsFromTheMessageClassAndTheSubject) {
     const auto expectType = [&](const ItemData& meeting, const wchar_t* messageClass, int type) {
@@ -242,6 +249,8 @@ TEST_F(MeetingHandlerTest, WithoutAnAppointmentTheSaveTriesRedemption) {
     handler->Save();
     EXPECT_THAT(Errors(), IsSupersetOf({L"Couldn't get the related appointment! Save failed.",
                                         L"Failed to get Associated Appointment!"}));
+    EXPECT_EQ(Errors().back(), L"Failed to get Associated Appointment!");
+    EXPECT_THAT(Warnings(), Not(Contains(StartsWith(L"MeetingHandler::Save:COM exception: "))));
     EXPECT_THAT(Debug(), Contains(L"Saveing item using RDO"));
     InstallRedemption();
     Start(Request());

@@ -115,6 +115,11 @@ TEST_F(MessageHandlerTest, AVoteIsOnTheSpotInEveryVersion) {
     }
 }
 
+TEST_F(MessageHandlerTest, LinesBearTheNameOfTheClass) {
+    HandlerOf(kMail)->GetLastModificationTime();
+    EXPECT_TRUE(log.Lines().front().logger.ends_with(L"vorlek.MessageHandler"));
+}
+
 TEST_F(MessageHandlerTest, TheSentCopyIsKnownByTheItemsOwnId) {
     const auto handler = HandlerOf(kMail);
     EXPECT_EQ(handler->GetSentItemUniqueID(), handler->GetItemUniqueID());

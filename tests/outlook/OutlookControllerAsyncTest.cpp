@@ -1,5 +1,6 @@
 // The inspection beside the send event, from the cancelled send to the end of the worker.
 #include "foundation/RegistryKey.h"
+#include "stand-ins/outlook/Figures.h"
 #include "tests/outlook/AsyncTest.h"
 #include "tests/support/FailingLog.h"
 #include "tests/support/ReplacedImport.h"
@@ -432,6 +433,24 @@ TEST_F(AsyncInspectionTest, WithoutAThreadTheMailStaysListedAndIsToldToItsUser) 
     EXPECT_THAT(Ledger(), ElementsAre(result.entryId));
     EXPECT_THAT(Errors(), ElementsAre(HasSubstr(L"CreateThread failed with: 8")));
     EXPECT_THAT(Methods(agent), ElementsAre(L"GetExecutionMode"));
+}
+
+TEST_F(AsyncInspectionTest, WithoutAThreadNothingOfTheInspectionIsKept) {
+    const test_support::ReplacedImport<"MessageBoxW", decltype(MessageBoxW)> box(
+        [](HWND, const wchar_t*, const wchar_t*, UINT) { return IDOK; });
+    const auto handler = HandlerOf({.subject = L"Plans"});
+    std::size_t blocks[3]; // the first has what is kept once and for all
+    {
+        const test_support::FailingImport<"CreateThread", decltype(CreateThread)> none(ERROR_NOT_ENOUGH_MEMORY);
+        for (std::size_t& count : blocks) {
+            peer.HandleAsyncInspection(handler);
+            outlook->Calls().Clear();
+            log.Clear();
+            count = stand_ins::Figures::Measure().heapBlocks;
+        }
+    }
+    EXPECT_EQ(blocks[2], blocks[1]);
+    EXPECT_EQ(box.Calls(), 3);
 }
 
 TEST_F(AsyncInspectionTest, AFailureBeforeTheWorkerLetsTheMailPassAndStaysListed) {

@@ -4,8 +4,11 @@
 
 #include "agent/apps/outlook/CommonUtils.h"
 #include "agent/apps/outlook/GlobalConfig.h"
+#include "foundation/Log4CxxHelper.h"
 #include "foundation/RegistryKey.h"
 #include "plugin-link/Exceptions.h"
+#include "stand-ins/outlook/Figures.h"
+#include "tests/support/ChildProcess.h"
 
 namespace vorlek {
 namespace {
@@ -23,6 +26,23 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Not;
+
+/// A process without a log makes a controller: what the log is called then, and how many threads that took.
+std::wstring LogOfAController(const std::wstring&) {
+    const std::size_t before = stand_ins::CountThreads();
+    const OutlookController controller;
+    return GetLogSessionName() + (L" on " + std::to_wstring(stand_ins::CountThreads() - before)) + L" threads";
+}
+const test_support::ChildRoleName logOfAController(L"LogOfAController", LogOfAController);
+
+TEST(OutlookControllerLog, StartsWithTheFirstControllerAndOnNoThreadOfItsOwn) {
+    EXPECT_EQ(test_support::ChildProcess(L"LogOfAController").Result(), L"outlook_tests on 0 threads");
+}
+
+TEST_F(OutlookControllerTest, LinesBearTheNameOfTheClass) {
+    controller.InitApplication(App());
+    EXPECT_TRUE(log.Lines().front().logger.ends_with(L"vorlek.OutlookController"));
+}
 
 TEST_F(OutlookControllerTest, ADisabledAddInLetsTheItemPassWithoutLookingAtIt) {
     stand_ins::Policy policy;
@@ -326,7 +346,12 @@ TEST_F(OutlookControllerTest, AProgramThatIsNotOutlookHoldsAnEmbeddedOne) {
 TEST_F(OutlookControllerTest, AVersionThatIsKnownIsNotReadAgain) {
     outlook->Calls().Clear();
     EXPECT_EQ(peer.InitOutlookVersion(), 16);
+    SetVersion(L"1.");
+    EXPECT_EQ(peer.InitOutlookVersion(), 1);
     EXPECT_THAT(outlook->Calls().Members(), IsEmpty());
+    SetVersion(L"0.");
+    EXPECT_EQ(peer.InitOutlookVersion(), 0); // no version
+    EXPECT_EQ(GlobalConfig::GetOutlookMajorVersion(), 16);
     SetVersion(L"-1.");
     EXPECT_EQ(peer.InitOutlookVersion(), -1); // what was held before
     EXPECT_EQ(GlobalConfig::GetOutlookMajorVersion(), 16);

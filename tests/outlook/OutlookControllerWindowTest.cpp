@@ -87,6 +87,34 @@ TEST_F(ExplorerWindowTest, AWindowOfAnotherThreadIsNotTheExplorers) {
     PostThreadMessageW(GetWindowThreadProcessId(window, nullptr), WM_QUIT, 0, 0);
 }
 
+TEST_F(ExplorerWindowTest, AnEmptyCaptionIsThatOfNoWindow) {
+    for (const wchar_t* caption : {L"", static_cast<const wchar_t*>(nullptr)}) {
+        outlook->Failures().Clear();
+        outlook->Failures().Answer(L"Explorer.Caption", _variant_t(_bstr_t(caption)));
+        EXPECT_TRUE(peer.IsEmbedded());
+        EXPECT_EQ(OutlookControllerPeer::FoundWindow(), nullptr);
+    }
+}
+
+TEST_F(ExplorerWindowTest, OfTwoWindowsOfTheCaptionTheFirstIsTheExplorers) {
+    const HWND another = CreateWindowExW(0, L"STATIC", outlook->Caption().c_str(), WS_OVERLAPPED, 0, 0, 0, 0, nullptr,
+                                         nullptr, nullptr, nullptr);
+    std::vector<HWND> windows;
+    EnumThreadWindows(
+        GetCurrentThreadId(),
+        [](HWND window, LPARAM all) -> BOOL {
+            reinterpret_cast<std::vector<HWND>*>(all)->push_back(window);
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&windows));
+    const HWND both[] = {another, outlook->ExplorerWindow()};
+    const auto first = std::ranges::find_first_of(windows, both);
+    ASSERT_NE(first, windows.end());
+    EXPECT_FALSE(peer.IsEmbedded());
+    EXPECT_EQ(OutlookControllerPeer::FoundWindow(), *first);
+    DestroyWindow(another);
+}
+
 TEST_F(ExplorerWindowTest, AWindowOnceFoundIsKeptWhateverItsTitle) {
     peer.IsEmbedded();
     SetWindowTextW(outlook->ExplorerWindow(), L"Another title");
@@ -190,7 +218,17 @@ TEST_F(ExplorerWindowTest, AControllerThatIsGoneLeavesTheWindowItsOwnProcedure) 
 TEST_F(ExplorerWindowTest, ASecondControllerDoesNotSubclassItself) {
     const HWND window = Subclass();
     OutlookController another; // forgets the window
+    EXPECT_EQ(OutlookControllerPeer::SubclassedWindow(), nullptr);
     OutlookControllerPeer(another).SetApplication(App());
+    OutlookControllerPeer(another).Subclass();
+    EXPECT_EQ(SendMessageW(window, WM_USER + 1, 2, 3), kAnswer);
+}
+
+TEST_F(ExplorerWindowTest, AControllerThatFindsNoWindowLeavesTheFirstItsOwnProcedure) {
+    const HWND window = Subclass();
+    OutlookController another;
+    OutlookControllerPeer(another).SetApplication(App());
+    outlook->Failures().Answer(L"Application.ActiveExplorer", stand_ins::NoObject());
     OutlookControllerPeer(another).Subclass();
     EXPECT_EQ(SendMessageW(window, WM_USER + 1, 2, 3), kAnswer);
 }

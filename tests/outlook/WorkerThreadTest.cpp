@@ -42,11 +42,27 @@ TEST(WorkerThreadTest, AWorkerIsCountedUntilItEndsWithTheResultOfItsProcedure) {
     EXPECT_EQ(WorkerThread::Running(), 0);
 }
 
-TEST(WorkerThreadTest, WithoutAThreadItThrowsAndCountsNone) {
+TEST(WorkerThreadTest, WithoutAThreadItThrowsAndCountsNoneAndGivesItsModuleBack) {
     Orders orders;
-    const test_support::FailingImport<"CreateThread", decltype(CreateThread)> none(ERROR_NOT_ENOUGH_MEMORY);
+    HMODULE freed = nullptr;
+    const test_support::ReplacedImport<"FreeLibrary", decltype(FreeLibrary)> free([&](HMODULE module) {
+        freed = module;
+        return free.Original(module);
+    });
+    {
+        const test_support::FailingImport<"CreateThread", decltype(CreateThread)> none(ERROR_NOT_ENOUGH_MEMORY);
+        test_support::ExpectFailure<Exception>([&] { WorkerThread::Start(Obey, &orders); },
+                                               L"vorlek::WorkerThread::Start", L"CreateThread failed with: 8");
+    }
+    EXPECT_EQ(WorkerThread::Running(), 0);
+    EXPECT_EQ(freed, GetModuleHandleW(nullptr));
+}
+
+TEST(WorkerThreadTest, WithoutAHoldOnItsModuleItThrowsAndCountsNone) {
+    Orders orders;
+    const test_support::FailingImport<"GetModuleHandleExW", decltype(GetModuleHandleExW)> none(ERROR_MOD_NOT_FOUND);
     test_support::ExpectFailure<Exception>([&] { WorkerThread::Start(Obey, &orders); }, L"vorlek::WorkerThread::Start",
-                                           L"CreateThread failed with: 8");
+                                           L"GetModuleHandleExW failed with: 126");
     EXPECT_EQ(WorkerThread::Running(), 0);
 }
 

@@ -73,13 +73,13 @@ bool OutlookController::InspectItemBeforeSending(IDispatchPtr item) {
         return false;
     }
     bool cancel = false;
-    const bool decided = Guard(logger_, LOG_SITE,
-                               {.exception = {},
-                                .comError = {L"InspectItemBeforeSending:COM error= "},
-                                .stdException = {L"InspectItemBeforeSending:exception. what= "},
-                                .other = {L"InspectItemBeforeSending:exception occured "}},
-                               [&] { cancel = Decide_(item); });
-    return decided && cancel;
+    Guard(logger_, LOG_SITE,
+          {.exception = {},
+           .comError = {L"InspectItemBeforeSending:COM error= "},
+           .stdException = {L"InspectItemBeforeSending:exception. what= "},
+           .other = {L"InspectItemBeforeSending:exception occured "}},
+          [&] { cancel = Decide_(item); });
+    return cancel;
 }
 
 bool OutlookController::Decide_(const IDispatchPtr& item) {
