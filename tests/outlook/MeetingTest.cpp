@@ -37,13 +37,16 @@ ItemData Unlinked(ItemData meeting) {
     return meeting;
 }
 
+ItemData AppointmentOf(ItemData meeting) {
+    meeting.kind = ItemKind::Appointment;
+    meeting.subject = L"Review";
+    meeting.messageClass.clear();
+    meeting.linkBroken = false;
+    return meeting;
+}
+
 void MeetingTest::Start(ItemData meeting) {
-    ItemData data = meeting;
-    data.kind = ItemKind::Appointment;
-    data.subject = L"Review";
-    data.messageClass.clear();
-    data.linkBroken = false;
-    appointment = outlook->SavedItem(data, L"Calendar");
+    appointment = outlook->SavedItem(AppointmentOf(meeting), L"Calendar");
     meeting.relatedId = AppointmentId();
     item = outlook->SavedItem(meeting);
     handler = std::make_unique<Meeting>(Outlook::_MeetingItemPtr(item.GetInterfacePtr()));

@@ -30,6 +30,8 @@ stand_ins::ItemData OfClass(const wchar_t* messageClass);
 stand_ins::ItemData Recurring(stand_ins::ItemData meeting, long state);
 /// One whose appointment Outlook does not find by itself.
 stand_ins::ItemData Unlinked(stand_ins::ItemData meeting);
+/// The appointment "Review" of any of these.
+stand_ins::ItemData AppointmentOf(stand_ins::ItemData meeting);
 
 /// An Outlook of version 16, a machine without Redemption, and one meeting.
 class MeetingTest : public OutlookTest {

@@ -7,13 +7,16 @@
 #include "foundation/RegistryKey.h"
 #include "stand-ins/outlook/Store.h"
 #include "tests/outlook/AsyncTest.h"
+#include "tests/outlook/MemberFailure.h"
 #include "tests/outlook/OldOutlookTest.h"
 
 namespace vorlek {
 namespace {
 
 using outlook_tests::AsyncTest;
+using outlook_tests::CallsOf;
 using outlook_tests::ErrorText;
+using outlook_tests::FailingCall;
 using outlook_tests::kAccessDenied;
 using outlook_tests::kVersion11;
 using outlook_tests::RedemptionLibrary;
@@ -226,12 +229,6 @@ const std::vector<Row> kStart = {
     {"s", L"MailItem.Display", 0, kWaiting, L"COM error while trying to find and resend an item: %"},
 };
 
-/// One call of a successful run.
-struct RecordedCall {
-    std::wstring member;
-    std::size_t nth;
-};
-
 struct Fate {
     std::wstring outcome;
     std::vector<std::wstring> lines; ///< at Warn and Error
@@ -251,9 +248,8 @@ protected:
         const Fate undisturbed = run();
         EXPECT_EQ(undisturbed.outcome, flow == 's' ? kOnScreen : kAsDecided);
         std::set<const Row*> used;
-        for (const RecordedCall& call : Numbered(undisturbed.calls)) {
-            const std::string name =
-                std::string(call.member.begin(), call.member.end()) + " #" + std::to_string(call.nth);
+        for (const FailingCall& call : CallsOf(undisturbed.calls)) {
+            const std::string name = testing::PrintToString(call.Name());
             const Row* const row = Find(table, flow, call);
             if (row == nullptr) {
                 ADD_FAILURE() << "no row for " << name;
@@ -380,18 +376,7 @@ private:
         return stand_ins::ReadItemFile(last);
     }
 
-    static std::vector<RecordedCall> Numbered(const std::vector<std::wstring>& members) {
-        std::map<std::wstring, std::size_t> counts;
-        std::vector<RecordedCall> calls;
-        for (const std::wstring& member : members) {
-            if (member != L"Application.ItemSend") { // Outlook's call of the add-in
-                calls.push_back({member, ++counts[member]});
-            }
-        }
-        return calls;
-    }
-
-    static const Row* Find(const std::vector<Row>& table, char flow, const RecordedCall& call) {
+    static const Row* Find(const std::vector<Row>& table, char flow, const FailingCall& call) {
         const Row* any = nullptr;
         for (const Row& row : table) {
             if (std::string(row.flows).find(flow) == std::string::npos || call.member != row.member) {
