@@ -10,10 +10,12 @@
 #include "foundation/Exception.h"
 #include "foundation/RegistryKey.h"
 #include "tests/outlook/OutlookTest.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/ExpectFailure.h"
 #include "tests/support/HeldSections.h"
 #include "tests/support/MessageBox.h"
 #include "tests/support/ReplacedImport.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace vorlek {
 namespace {
@@ -322,6 +324,20 @@ TEST_F(CommonUtilsTest, TemporaryPathsAreNewNamesInTheAddInsFolderWhichExists) {
     EXPECT_TRUE(std::regex_match(first.substr(directory.size()),
                                  std::wregex(L"\\\\\\{[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}\\}\\.cip")))
         << std::string(first.begin(), first.end());
+}
+
+/// In a process that has named no file yet, with a temporary folder of its own: the folder of the first name.
+std::wstring NameFile_(const std::wstring& temp) {
+    SetEnvironmentVariableW(L"temp", temp.c_str());
+    const std::wstring directory = CommonUtils::GetDirectory(CommonUtils::MakeTemporaryPath(L"cip"));
+    return directory + (CommonUtils::DirectoryExists(directory) ? L" exists" : L" is missing");
+}
+const test_support::ChildRoleName nameFile(L"NameFile", NameFile_);
+
+TEST_F(CommonUtilsTest, TheFirstTemporaryPathOfAProcessMakesItsFolder) {
+    const test_support::TemporaryFolder temp;
+    test_support::ChildProcess process(L"NameFile", temp.Path().wstring());
+    EXPECT_EQ(process.Result(), temp.Path().wstring() + L"\\CITemp exists");
 }
 
 TEST_F(CommonUtilsTest, ATemporaryPathWithoutANewNameIsAFailure) {

@@ -84,6 +84,9 @@ private:
 
     MeetingItemType MeetingType_ = MeetingItemType::MeetingUnknown;
     bool isReadingLedger_ = false;
+    /// The appointment that no link leads to, which nothing else may hold: Outlook drops unsaved changes with the last
+    /// reference, and what the decision replaced would leave after all.
+    Outlook::_AppointmentItemPtr heldAppointment_;
 };
 
 } // namespace vorlek

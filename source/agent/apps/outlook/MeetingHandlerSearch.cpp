@@ -83,6 +83,7 @@ Outlook::_AppointmentItemPtr MeetingHandler::FindAppointmentByLedger_() {
     if (!appointment) {
         LOG_ERROR(logger_, L"Failed to get related appointment using ID - returning NULL");
     }
+    heldAppointment_ = appointment;
     return appointment;
 }
 
