@@ -106,7 +106,7 @@ std::wstring XmlReader::ReadName_() {
     if (end == at_) {
         Fail("a name is missing");
     }
-    const std::wstring name(text_.substr(at_, end - at_));
+    std::wstring name(text_.substr(at_, end - at_));
     at_ = end;
     return name;
 }
