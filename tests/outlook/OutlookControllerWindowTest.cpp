@@ -10,7 +10,6 @@ namespace {
 using outlook_tests::ErrorText;
 using outlook_tests::kMail;
 using outlook_tests::OutlookControllerTest;
-using stand_ins::ExplorerState;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
