@@ -134,7 +134,7 @@ private:
         if (road.actions.block) {
             return {};
         }
-        const std::wstring missing = MissingChanges(sent, road.item.subject);
+        std::wstring missing = MissingChanges(sent, road.item.subject);
         if (!IsInvitation_(road)) {
             return missing;
         }
