@@ -16,7 +16,6 @@ using outlook_tests::ThrowException;
 using outlook_tests::ThrowNumber;
 using outlook_tests::ThrowStandard;
 using stand_ins::ItemData;
-using stand_ins::ItemKind;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
