@@ -25,6 +25,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::IsSupersetOf;
 using testing::Not;
+using testing::SizeIs;
 
 constexpr wchar_t kAnna[] = L"Anna Weber";
 constexpr wchar_t kInStore[] = L" MeetingHandler::FindItemInAllFolders__:Caught an  exception: A";
@@ -66,6 +67,18 @@ private:
         return id.empty() ? L"no appointment" : id;
     }
 };
+
+TEST_F(MeetingHandlerSearchTest, WhatChangedOnAnAppointmentThatNoLinkLeadsToStaysThoughALaterLookUpIsInVain) {
+    StartWithLedger();
+    appointment = nullptr; // nobody else holds it
+    handler->LabelSubject(L"[Internal] Review");
+    outlook->Failures().Fail(L"NameSpace.GetItemFromID", kAccessDenied);
+    EXPECT_EQ(handler->GetSentItemUniqueID(), ItemId());
+    outlook->Failures().Clear();
+    handler->Send();
+    ASSERT_THAT(outlook->Delivered(), SizeIs(1));
+    EXPECT_EQ(outlook->Delivered().at(0).subject, L"[Internal] Review");
+}
 
 TEST_F(MeetingHandlerSearchTest, AWorkingLinkNeverReadsTheRegistry) {
     Start(Request());

@@ -80,10 +80,11 @@ Outlook::_AppointmentItemPtr MeetingHandler::FindAppointmentByLedger_() {
         return {};
     }
     Outlook::_AppointmentItemPtr appointment = FindItemInAllFolders_(id);
-    if (!appointment) {
+    if (appointment) {
+        heldAppointment_ = appointment; // by a later look-up in vain it is not let go
+    } else {
         LOG_ERROR(logger_, L"Failed to get related appointment using ID - returning NULL");
     }
-    heldAppointment_ = appointment;
     return appointment;
 }
 
