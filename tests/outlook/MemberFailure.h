@@ -69,9 +69,9 @@ protected:
         std::wstring version = L"16.0.5.1";
     };
 
-    /// A failing call and what comes of it.
+    /// Calls that follow one another, and what comes of it if one of them fails.
     struct Row {
-        std::wstring call; ///< "none": the run in which nothing fails
+        std::vector<std::wstring> calls; ///< "none": the run in which nothing fails
         std::wstring outcome;
         /// Those at Warn and Error: of the undisturbed run each once, of a failing one those that it has beyond the
         /// undisturbed. ~ is the text of the failure, # the ID of an item, STORE of a store, FILE a place in the
