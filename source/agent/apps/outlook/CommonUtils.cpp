@@ -122,20 +122,19 @@ std::wstring CommonUtils::GetSentItemId(const std::wstring& itemId, const log4cx
 
 bool CommonUtils::IsOnSpotOverrideEnabled(const log4cxx::LoggerPtr& logger) {
     ULONGLONG enabled = 0;
-    const bool read =
-        Guard(logger, LOG_SITE,
-              Phrases_(L"Failed to get the value for the onspot override: ",
-                       L"Unknown error occurred while trying to get the registry value for onspot override."),
-              [&] {
-                  LOG_DEBUG(logger, L"Checking for OnSpot override");
-                  const auto key = OpenKey_(kInputKey);
-                  LOG_DEBUG(logger, L"Accessing the on-spot value in the Registry - opened subkey");
-                  if (key->ValueExists(kOnSpotValue)) {
-                      key->GetValue(kOnSpotValue, enabled);
-                      LOG_DEBUG(logger, L"Successfully retrieved " << enabled);
-                  }
-              });
-    return read && enabled != 0;
+    Guard(logger, LOG_SITE,
+          Phrases_(L"Failed to get the value for the onspot override: ",
+                   L"Unknown error occurred while trying to get the registry value for onspot override."),
+          [&] {
+              LOG_DEBUG(logger, L"Checking for OnSpot override");
+              const auto key = OpenKey_(kInputKey);
+              LOG_DEBUG(logger, L"Accessing the on-spot value in the Registry - opened subkey");
+              if (key->ValueExists(kOnSpotValue)) {
+                  key->GetValue(kOnSpotValue, enabled);
+                  LOG_DEBUG(logger, L"Successfully retrieved " << enabled);
+              }
+          });
+    return enabled != 0;
 }
 
 void CommonUtils::ShowUnsentItemsWarning(const log4cxx::LoggerPtr&) {

@@ -159,7 +159,7 @@ void TaskHandler::Close() {
 
 bool TaskHandler::OverrideItemAttachments(const InspectionDecision::Attachments& attachments) {
     bool replaced = false;
-    const bool done = Guard(logger_, LOG_SITE, kReplacingAttachments, [&] {
+    Guard(logger_, LOG_SITE, kReplacingAttachments, [&] {
         Change_([&](Outlook::OutgoingItem& item) {
             if (!ModifyAttachmentCollection_(item.GetAttachments(), attachments)) {
                 return;
@@ -171,7 +171,7 @@ bool TaskHandler::OverrideItemAttachments(const InspectionDecision::Attachments&
             replaced = true;
         });
     });
-    return done && replaced;
+    return replaced;
 }
 
 DATE TaskHandler::GetLastModificationTime() {
