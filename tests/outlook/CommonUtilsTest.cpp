@@ -9,12 +9,14 @@
 #include "foundation/EnvUtils.h"
 #include "foundation/Exception.h"
 #include "foundation/RegistryKey.h"
+#include "foundation/SecUtils.h"
 #include "tests/outlook/OutlookTest.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/ExpectFailure.h"
 #include "tests/support/HeldSections.h"
 #include "tests/support/MessageBox.h"
 #include "tests/support/ReplacedImport.h"
+#include "tests/support/SecurityBytes.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace vorlek {
@@ -346,6 +348,28 @@ TEST_F(CommonUtilsTest, ATemporaryPathWithoutANewNameIsAFailure) {
     test_support::ExpectFailure<Exception>([] { CommonUtils::MakeTemporaryPath(L"cip"); },
                                            L"vorlek::CommonUtils::MakeTemporaryPath",
                                            L"Failed to create a name for a temporary file");
+}
+
+TEST_F(CommonUtilsTest, TheSearchForADirectoryEndsWhenItIsFound) {
+    const test_support::TemporaryFolder temp;
+    test_support::ReplacedImport<"FindClose", decltype(FindClose)> close(
+        [&](HANDLE search) { return close.Original(search); });
+    EXPECT_TRUE(CommonUtils::DirectoryExists(temp.Path().wstring()));
+    EXPECT_EQ(close.Calls(), 1u);
+    EXPECT_FALSE(CommonUtils::DirectoryExists(temp.Path().wstring() + L"\\none"));
+    EXPECT_EQ(close.Calls(), 1u);
+}
+
+TEST_F(CommonUtilsTest, ADirectoryIsMadeWithAnEmptyList) {
+    const test_support::TemporaryFolder temp;
+    std::vector<BYTE> security;
+    test_support::ReplacedImport<"CreateDirectoryW", decltype(CreateDirectoryW)> create(
+        [&](const wchar_t* path, SECURITY_ATTRIBUTES* attributes) {
+            security = test_support::SecurityBytes(attributes->lpSecurityDescriptor);
+            return create.Original(path, attributes);
+        });
+    CommonUtils::MakeDirectory(temp.Path().wstring() + L"\\new");
+    EXPECT_EQ(security, test_support::SecurityBytes(SecUtils::GenSA(0)->GetSecurityAttributes()->lpSecurityDescriptor));
 }
 
 TEST_F(CommonUtilsTest, TheDirectoryOfAPathEndsBeforeTheLastBackslash) {

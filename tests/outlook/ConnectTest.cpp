@@ -11,6 +11,7 @@
 #include "tests/outlook/OutlookTest.h"
 #include "tests/support/FailingLog.h"
 #include "tests/support/MessageBox.h"
+#include "tests/support/ReplacedImport.h"
 
 namespace outlook_tests {
 namespace {
@@ -196,6 +197,20 @@ TEST_F(ConnectTest, DisconnectionEndsTheEvents) {
     EXPECT_EQ(Errors(), Texts{});
     outlook->RaiseItemSend(Mail());
     EXPECT_EQ(EventsSeen(), 0u);
+}
+
+TEST_F(ConnectTest, DisconnectionGivesTheExplorerItsOwnProcedureBack) {
+    const stand_ins::Agent agent;
+    wchar_t line[] = L"outlook.exe"; // not the test program's, in which Outlook would be embedded
+    const test_support::ReplacedImport<"GetCommandLineW", decltype(GetCommandLineW)> command([&] { return line; });
+    Connect();
+    const auto procedure = [&] { return GetWindowLongPtrW(outlook->ExplorerWindow(), GWLP_WNDPROC); };
+    const auto own = procedure();
+    outlook->Send(Mail());
+    EXPECT_TRUE(outlook->RunUntil([&] { return outlook->Delivered().size() == 1; }));
+    EXPECT_NE(procedure(), own);
+    Disconnect();
+    EXPECT_EQ(procedure(), own);
 }
 
 TEST_F(ConnectTest, DisconnectionLeavesNothingThatHoldsTheAddIn) {

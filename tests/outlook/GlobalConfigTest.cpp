@@ -1,6 +1,7 @@
 #include "agent/apps/outlook/GlobalConfig.h"
 
 #include "tests/outlook/OutlookTest.h"
+#include "tests/support/ChildProcess.h"
 
 namespace outlook_tests {
 namespace {
@@ -13,6 +14,16 @@ protected:
 
     const log4cxx::LoggerPtr logger_ = log4cxx::Logger::getLogger("caller");
 };
+
+std::wstring TellVersion_(const std::wstring&) {
+    return std::to_wstring(GlobalConfig::GetOutlookMajorVersion());
+}
+const test_support::ChildRoleName tellVersion(L"TellVersion", TellVersion_);
+
+TEST_F(GlobalConfigTest, AProcessThatHasNotAskedOutlookKnowsNoVersion) {
+    test_support::ChildProcess process(L"TellVersion", L"");
+    EXPECT_EQ(process.Result(), L"-1");
+}
 
 TEST_F(GlobalConfigTest, FirstPartOfTheVersionIsKept) {
     EXPECT_EQ(GlobalConfig::SetOutlookMajorVersion(L"12.0.6665.5003", logger_), 12);

@@ -23,6 +23,11 @@ protected:
     }
 };
 
+TEST_F(ItemHandlerFactoryTest, LinesBearTheNameOfTheClass) {
+    Create({});
+    EXPECT_TRUE(log.Lines().front().logger.ends_with(L"vorlek.ItemHandlerFactory"));
+}
+
 TEST_F(ItemHandlerFactoryTest, ANullItemGivesANullHandlerAndAWarning) {
     EXPECT_EQ(Create({}), nullptr);
     EXPECT_THAT(log.Texts(L"DEBUG"), ElementsAre(L"Trying to create an item wrapper..."));

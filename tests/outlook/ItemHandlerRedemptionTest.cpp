@@ -128,6 +128,7 @@ TEST_F(ItemHandlerRedemptionTest, AnUnresolvedRecipientIsPassedOver) {
     EXPECT_THAT(Recipients({{.name = L"Nobody", .resolved = false}, {.name = L"You", .address = L"you@b.example"}}),
                 ElementsAre(L"EmailTo=you@b.example", L"IncidentDestination=you@b.example"));
     EXPECT_TRUE(log.Has(L"DEBUG", L"Recipient is not resolved. Continue to next recipient."));
+    EXPECT_EQ(outlook->Calls().Count(L"SafeRecipient.AddressEntry"), 1u);
 }
 
 TEST_F(ItemHandlerRedemptionTest, ARecipientWithoutAnAddressEntryIsPassedOver) {

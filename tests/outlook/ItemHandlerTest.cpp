@@ -8,6 +8,7 @@
 #include "foundation/RegistryKey.h"
 #include "tests/outlook/OutlookTest.h"
 #include "tests/support/ExpectFailure.h"
+#include "tests/support/ReplacedImport.h"
 
 namespace vorlek {
 namespace {
@@ -37,6 +38,19 @@ class ItemHandlerTest : public OutlookTest {
 protected:
     std::wstring Path(const std::wstring& name) const { return (folder / name).wstring(); }
 };
+
+/// How the body opens a file: access, sharing, disposition and attributes.
+std::vector<DWORD> OpeningDuring(const std::function<void()>& body) {
+    std::vector<DWORD> opening;
+    test_support::ReplacedImport<"CreateFileW", decltype(CreateFileW)> create(
+        [&](const wchar_t* path, DWORD access, DWORD sharing, SECURITY_ATTRIBUTES* security, DWORD disposition,
+            DWORD attributes, HANDLE like) {
+            opening = {access, sharing, disposition, attributes};
+            return create.Original(path, access, sharing, security, disposition, attributes, like);
+        });
+    body();
+    return opening;
+}
 
 TEST_F(ItemHandlerTest, LinesBearTheNameOfTheClass) {
     HandlerOf(kMail)->HandleOnSpot();
@@ -191,6 +205,14 @@ TEST_F(ItemHandlerTest, TextIsWrittenAsItStandsWithTheMarkInFrontIfWanted) {
     EXPECT_EQ(test_support::ReadBytes(folder / L"plain.html"), std::string("a\0\xAC\x20", 4));
 }
 
+TEST_F(ItemHandlerTest, OthersMayReadAFileThatIsWrittenOrRead) {
+    EXPECT_THAT(OpeningDuring([&] { ItemHandler::WriteBSTRToFile(L"a", Path(L"a.txt"), false); }),
+                ElementsAre(0x40000000u, 1u, 2u, 128u));
+    _bstr_t text;
+    EXPECT_THAT(OpeningDuring([&] { ItemHandler::ReadFileToBSTR(Path(L"a.txt"), text); }),
+                ElementsAre(0x80000000u, 1u, 3u, 128u));
+}
+
 TEST_F(ItemHandlerTest, TheStepsOfWritingAreLogged) {
     HandlerOf({});
     const std::wstring path = Path(L"marked.txt");
@@ -258,10 +280,19 @@ TEST_F(ItemHandlerTest, AnEmptyFileIsAnEmptyText) {
     test_support::WriteBytes(folder / L"mark", "\xFF\xFE");
     _bstr_t text = L"before";
     ItemHandler::ReadFileToBSTR(Path(L"none"), text);
-    EXPECT_EQ(text.length(), 0u);
+    EXPECT_EQ(SysStringByteLen(text.GetBSTR()), 0u);
     text = L"before";
     ItemHandler::ReadFileToBSTR(Path(L"mark"), text);
-    EXPECT_EQ(text.length(), 0u);
+    EXPECT_EQ(SysStringByteLen(text.GetBSTR()), 0u);
+}
+
+TEST_F(ItemHandlerTest, ATextThatIsReadIsAllocatedOnce) {
+    test_support::WriteBytes(folder / L"plain.html", std::string("a\0", 2));
+    _bstr_t text;
+    test_support::ReplacedImport<"SysAllocStringByteLen", decltype(SysAllocStringByteLen)> allocate(
+        [&](const char* bytes, UINT size) { return allocate.Original(bytes, size); });
+    ItemHandler::ReadFileToBSTR(Path(L"plain.html"), text);
+    EXPECT_EQ(allocate.Calls(), 1u);
 }
 
 TEST_F(ItemHandlerTest, AFileThatIsNotThereRaises) {

@@ -186,6 +186,7 @@ TEST_F(MessageHandlerTest, AnotherFailureOfTheSendDoesNotShowTheMail) {
     handler->Send();
     EXPECT_THAT(Errors(), ElementsAre(L"MessageHandler::Send: Caught an exception: lost",
                                       L"MessageHandler::Send: Caught Unknown error!"));
+    EXPECT_THAT(log.Texts(L"INFO"), Contains(L"- Send():still alive..sta=0").Times(2));
     EXPECT_THAT(log.Texts(L"INFO"), Contains(L"display WAS NOT NEEDED as comErrorInSend=0").Times(2));
     EXPECT_EQ(outlook->Calls().Count(L"MailItem.Display"), 0u);
 }

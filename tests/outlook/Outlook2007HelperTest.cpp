@@ -406,6 +406,25 @@ TEST_F(Outlook2007HelperTest, TheSenderOfAMeetingIsThatOfItsAppointmentAndLookin
                                                  L"acquired related appointment"));
 }
 
+TEST_F(Outlook2007HelperTest, TheSenderOfATaskRequestIsThatOfItsTaskAndLookingAddsNoneToTheTaskList) {
+    const auto account = test_support::ScriptedObject::Create();
+    account->Answers(__uuidof(Outlook::_Account)).Value(L"SmtpAddress", L"host@a.example");
+    const auto task = test_support::ScriptedObject::Create();
+    task->Answers(__uuidof(Outlook::_TaskItem))
+        .Value(L"SendUsingAccount", static_cast<IDispatch*>(account.GetInterfacePtr()));
+    std::vector<_variant_t> asked;
+    const auto request = Related(__uuidof(Outlook::_TaskRequestItem), L"GetAssociatedTask",
+                                 static_cast<IDispatch*>(task.GetInterfacePtr()), asked);
+    EXPECT_EQ(Outlook2007Helper::GetItemSenderSMTP(static_cast<IDispatch*>(request.GetInterfacePtr()), logger),
+              L"host@a.example");
+    ASSERT_THAT(asked, SizeIs(1));
+    EXPECT_EQ(asked[0].vt, VT_BOOL);
+    EXPECT_EQ(asked[0].boolVal, VARIANT_FALSE);
+    EXPECT_THAT(log.Texts(L"DEBUG"), ElementsAre(L"Trying to get sender using 2007 OOM",
+                                                 L"cast to task request item succeeded - getting related task item",
+                                                 L"acquired related task item"));
+}
+
 TEST_F(Outlook2007HelperTest, AMeetingOrTaskRequestThatLeadsNowhereHasNoSender) {
     std::vector<_variant_t> asked;
     const auto meeting =
@@ -415,6 +434,22 @@ TEST_F(Outlook2007HelperTest, AMeetingOrTaskRequestThatLeadsNowhereHasNoSender) 
     EXPECT_EQ(Outlook2007Helper::GetItemSenderSMTP(static_cast<IDispatch*>(meeting.GetInterfacePtr()), logger), L"");
     EXPECT_EQ(Outlook2007Helper::GetItemSenderSMTP(static_cast<IDispatch*>(request.GetInterfacePtr()), logger), L"");
     EXPECT_THAT(Warnings(), ElementsAre(L"Could not get associated appointment", L"Could not get associated task"));
+}
+
+TEST_F(Outlook2007HelperTest, WhatKindOfItemIsReadIsLogged) {
+    const IDispatchPtr meeting = outlook->NewItem({.kind = stand_ins::ItemKind::Meeting}).GetInterfacePtr();
+    log.Clear();
+    Recipients(meeting);
+    EXPECT_THAT(log.Texts(L"DEBUG"), Contains(L"cast to meeting item succeeded").Times(1));
+    Attachments(meeting);
+    EXPECT_THAT(log.Texts(L"DEBUG"), Contains(L"cast to meeting item succeeded").Times(2));
+    Outlook2007Helper::GetNormalizedSubject(meeting, logger);
+    EXPECT_THAT(log.Texts(L"DEBUG"), Contains(L"Cast to meeting item succeeded"));
+    const IDispatchPtr request = outlook->NewItem({.kind = stand_ins::ItemKind::TaskRequest}).GetInterfacePtr();
+    Attachments(request);
+    EXPECT_THAT(log.Texts(L"DEBUG"), Contains(L"cast to task request item succeeded."));
+    Outlook2007Helper::GetNormalizedSubject(request, logger);
+    EXPECT_THAT(log.Texts(L"DEBUG"), Contains(L"Cast to task request item succeeded"));
 }
 
 TEST_F(Outlook2007HelperTest, ATaskRequestHasRecipientsOnlyIfItAnswersForATaskToo) {

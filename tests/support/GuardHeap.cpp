@@ -119,7 +119,8 @@ unsigned char* Pages(std::size_t committed) {
     return base != nullptr && VirtualProtect(base, committed, PAGE_READWRITE, &old) ? base : NewPages(committed);
 }
 
-/// Where a block begins whose body ends with its pages, or whose slack is followed by more of it; null: no memory.
+/// Where the caller's bytes begin, of which there are `body` with their slack: at the end of pages of their own, or
+/// within the process heap. Tells the header where that is; null: no memory.
 unsigned char* Place(std::size_t body, Header& header) {
     header.hasPages = budget.Take();
     if (header.hasPages) {
