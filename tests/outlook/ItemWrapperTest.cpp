@@ -139,6 +139,12 @@ TEST_F(ItemWrapperTest, AnItemIsDisplayedNotModal) {
     EXPECT_EQ(outlook->OpenInspectors(), 1u);
 }
 
+TEST_F(ItemWrapperTest, LinesBearTheNameOfTheTemplate) {
+    WrapperOf({})->Save();
+    ASSERT_FALSE(log.Lines().empty());
+    EXPECT_TRUE(log.Lines().front().logger.ends_with(L"vorlek.ItemWrapper<T >")) << log.Lines().front().logger;
+}
+
 TEST_F(ItemWrapperTest, ASaveThatFailsIsWarnedOfAndGoesNoFurther) {
     const auto wrapper = WrapperOf({});
     outlook->Failures().Fail(L"MailItem.Save", kAccessDenied);
