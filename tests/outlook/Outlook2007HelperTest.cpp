@@ -387,39 +387,35 @@ test_support::ScriptedObjectPtr Related(const IID& kind, const wchar_t* member, 
     return item;
 }
 
-TEST_F(Outlook2007HelperTest, TheSenderOfAMeetingIsThatOfItsAppointmentAndLookingAddsNoneToTheCalendar) {
+/// The sender of an item whose related one, which is asked for with false, is sent through an account.
+std::wstring SenderThrough(const IID& kind, const wchar_t* member, const IID& relatedKind,
+                           const log4cxx::LoggerPtr& logger) {
     const auto account = test_support::ScriptedObject::Create();
     account->Answers(__uuidof(Outlook::_Account)).Value(L"SmtpAddress", L"host@a.example");
-    const auto appointment = test_support::ScriptedObject::Create();
-    appointment->Answers(__uuidof(Outlook::_AppointmentItem))
-        .Value(L"SendUsingAccount", static_cast<IDispatch*>(account.GetInterfacePtr()));
+    const auto related = test_support::ScriptedObject::Create();
+    related->Answers(relatedKind).Value(L"SendUsingAccount", static_cast<IDispatch*>(account.GetInterfacePtr()));
     std::vector<_variant_t> asked;
-    const auto meeting = Related(__uuidof(Outlook::_MeetingItem), L"GetAssociatedAppointment",
-                                 static_cast<IDispatch*>(appointment.GetInterfacePtr()), asked);
-    EXPECT_EQ(Outlook2007Helper::GetItemSenderSMTP(static_cast<IDispatch*>(meeting.GetInterfacePtr()), logger),
+    const auto item = Related(kind, member, static_cast<IDispatch*>(related.GetInterfacePtr()), asked);
+    std::wstring sender = Outlook2007Helper::GetItemSenderSMTP(static_cast<IDispatch*>(item.GetInterfacePtr()), logger);
+    EXPECT_THAT(asked, SizeIs(1));
+    EXPECT_EQ(asked.at(0).vt, VT_BOOL);
+    EXPECT_EQ(asked.at(0).boolVal, VARIANT_FALSE);
+    return sender;
+}
+
+TEST_F(Outlook2007HelperTest, TheSenderOfAMeetingIsThatOfItsAppointmentAndLookingAddsNoneToTheCalendar) {
+    EXPECT_EQ(SenderThrough(__uuidof(Outlook::_MeetingItem), L"GetAssociatedAppointment",
+                            __uuidof(Outlook::_AppointmentItem), logger),
               L"host@a.example");
-    ASSERT_THAT(asked, SizeIs(1));
-    EXPECT_EQ(asked[0].vt, VT_BOOL);
-    EXPECT_EQ(asked[0].boolVal, VARIANT_FALSE);
     EXPECT_THAT(log.Texts(L"DEBUG"), ElementsAre(L"Trying to get sender using 2007 OOM",
                                                  L"cast to meeting item succeeded - getting related appointment",
                                                  L"acquired related appointment"));
 }
 
 TEST_F(Outlook2007HelperTest, TheSenderOfATaskRequestIsThatOfItsTaskAndLookingAddsNoneToTheTaskList) {
-    const auto account = test_support::ScriptedObject::Create();
-    account->Answers(__uuidof(Outlook::_Account)).Value(L"SmtpAddress", L"host@a.example");
-    const auto task = test_support::ScriptedObject::Create();
-    task->Answers(__uuidof(Outlook::_TaskItem))
-        .Value(L"SendUsingAccount", static_cast<IDispatch*>(account.GetInterfacePtr()));
-    std::vector<_variant_t> asked;
-    const auto request = Related(__uuidof(Outlook::_TaskRequestItem), L"GetAssociatedTask",
-                                 static_cast<IDispatch*>(task.GetInterfacePtr()), asked);
-    EXPECT_EQ(Outlook2007Helper::GetItemSenderSMTP(static_cast<IDispatch*>(request.GetInterfacePtr()), logger),
-              L"host@a.example");
-    ASSERT_THAT(asked, SizeIs(1));
-    EXPECT_EQ(asked[0].vt, VT_BOOL);
-    EXPECT_EQ(asked[0].boolVal, VARIANT_FALSE);
+    EXPECT_EQ(
+        SenderThrough(__uuidof(Outlook::_TaskRequestItem), L"GetAssociatedTask", __uuidof(Outlook::_TaskItem), logger),
+        L"host@a.example");
     EXPECT_THAT(log.Texts(L"DEBUG"), ElementsAre(L"Trying to get sender using 2007 OOM",
                                                  L"cast to task request item succeeded - getting related task item",
                                                  L"acquired related task item"));
