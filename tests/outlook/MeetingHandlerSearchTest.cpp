@@ -8,7 +8,6 @@ namespace vorlek {
 namespace {
 
 using outlook_tests::ErrorText;
-using outlook_tests::Forward;
 using outlook_tests::kAccessDenied;
 using outlook_tests::MeetingTest;
 using outlook_tests::Request;
@@ -24,7 +23,6 @@ using testing::Each;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::IsSupersetOf;
-using testing::Not;
 using testing::SizeIs;
 
 constexpr wchar_t kAnna[] = L"Anna Weber";

@@ -13,7 +13,6 @@ namespace {
 using outlook_tests::Forward;
 using outlook_tests::kCancellation;
 using outlook_tests::kResponse;
-using outlook_tests::kVersion11;
 using outlook_tests::MeetingTest;
 using outlook_tests::OfClass;
 using outlook_tests::Request;

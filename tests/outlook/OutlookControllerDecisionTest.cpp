@@ -9,7 +9,6 @@ namespace vorlek {
 namespace {
 
 using outlook_tests::AsyncTest;
-using outlook_tests::ErrorText;
 using outlook_tests::kMail;
 using testing::Contains;
 using testing::ElementsAre;

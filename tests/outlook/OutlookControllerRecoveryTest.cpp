@@ -17,7 +17,6 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::StartsWith;
-using testing::UnorderedElementsAre;
 
 const std::wstring kBegin = L"Sending items that were in the middle of inspection when Outlook was closed.";
 const std::wstring kRead =

@@ -7,7 +7,6 @@
 #include "tests/stand-ins/agent_client.h"
 
 using namespace stand_ins::agent;
-using agent_tests::OwnFolder;
 
 namespace {
 

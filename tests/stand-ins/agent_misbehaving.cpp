@@ -12,7 +12,6 @@ namespace agent_tests {
 
 using agent::FromWire;
 using agent::ReplaceAll;
-using agent::ToWire;
 
 namespace {
 

@@ -5,7 +5,6 @@
 namespace stand_ins {
 namespace {
 
-using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 using Outcome = SendResult::Outcome;

@@ -112,7 +112,7 @@ TEST_F(OutlookObject, ActionsAfterAMemberComeOnceItHasDoneItsWork) {
     Put(mail, L"Subject", L"First");
     Put(mail, L"Subject", L"Second");
     Put(mail, L"Subject", L"Third");
-    outlook_.Failures().After(L"MailItem.Body", [&] { seen.push_back(L"failed"); });
+    outlook_.Failures().After(L"MailItem.Body", [&] { seen.emplace_back(L"failed"); });
     outlook_.Failures().Fail(L"MailItem.Body", E_ACCESSDENIED);
     EXPECT_EQ(ErrorOf([&] { Put(mail, L"Body", L"Fourth"); }), E_ACCESSDENIED);
     EXPECT_THAT(seen, ElementsAre(L"Second"));

@@ -26,7 +26,7 @@ std::wstring SecurityText(PSECURITY_DESCRIPTOR descriptor) {
                                                               &text, nullptr)) {
         throw std::runtime_error("no text: " + std::to_string(GetLastError()));
     }
-    const std::wstring result = text;
+    std::wstring result = text;
     LocalFree(text);
     return result;
 }
