@@ -23,6 +23,8 @@ constexpr const wchar_t* kUnsentText = L"One message or more could not be sent.\
 constexpr const wchar_t* kModifiedText = L"The mail item was modified during inspection and was not sent.";
 constexpr int kMails = 200;
 constexpr const char* kFinished = "INFO Finished Async inspection successfully.";
+/// Outlook stays until the workers have ended, to tell its figures: a mail leaves before its worker is done.
+const std::vector<std::wstring> kToTheWorkersEnd = {L"--figures"};
 
 class AsyncInspection : public Desk {
 protected:
@@ -56,7 +58,7 @@ protected:
 
 TEST_F(AsyncInspection, MailLeavesOnceTheAgentHasAnswered) {
     StartAgent(kAllow);
-    const OutlookRun run = Send({Item()}, {});
+    const OutlookRun run = Send({Item()}, kToTheWorkersEnd);
     ExpectSent();
     EXPECT_EQ(run.boxes, 0);
     EXPECT_THAT(run.output, HasSubstr("item-1.json \"Plans\": sent by the add-in"));
@@ -112,8 +114,7 @@ TEST_F(AsyncInspection, MailIsLabelledAndItsAttachmentsReplacedBeforeItLeaves) {
                     {{"subject", "[Internal] {subject}"},
                      {"body", {{"before", "Internal"}}},
                      {"replaceAttachments", {{"text", "Removed."}, {"displayName", "notice.txt"}}}}}}}}});
-    // With figures Outlook waits for the worker, which frees the decision after the mail has left.
-    Send({Item({{"attachments", {{{"fileName", "a.txt"}, {"content", "YQ=="}}}}})}, {L"--figures"});
+    Send({Item({{"attachments", {{{"fileName", "a.txt"}, {"content", "YQ=="}}}}})}, kToTheWorkersEnd);
     ExpectSent();
     const Json mail = Delivered().at(0);
     EXPECT_EQ(mail["subject"], "[Internal] Plans");
