@@ -9,6 +9,7 @@
 #include "plugin-link/Exceptions.h"
 #include "stand-ins/outlook/Figures.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/OwnLocalMachine.h"
 
 namespace vorlek {
 namespace {
@@ -29,6 +30,7 @@ using testing::Not;
 
 /// A process without a log makes a controller: what the log is called then, and how many threads that took.
 std::wstring LogOfAController(const std::wstring&) {
+    const test_support::OwnLocalMachine machine; // where no log is configured
     const std::size_t before = stand_ins::CountThreads();
     const OutlookController controller;
     return GetLogSessionName() + (L" on " + std::to_wstring(stand_ins::CountThreads() - before)) + L" threads";

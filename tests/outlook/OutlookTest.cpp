@@ -5,12 +5,23 @@
 #include <tinyxml.h>
 
 #include "agent/apps/outlook/GlobalConfig.h"
+#include "foundation/Log4CxxHelper.h"
 #include "foundation/RegistryKey.h"
 #include "foundation/StringUtils.h"
 #include "foundation/Throw.h"
 #include "tests/outlook/RedemptionLibrary.h"
 
 namespace outlook_tests {
+namespace {
+
+/// Starts the log session ahead of the first controller, which would read the configuration that an add-in installed
+/// here has, and put its destinations in place of what a test captures.
+class LogSession_ : public testing::Environment {
+    void SetUp() override { vorlek::StartLogSession(L"C:\\no\\such.properties", nullptr, false); }
+};
+const testing::Environment* const logSession = testing::AddGlobalTestEnvironment(new LogSession_);
+
+} // namespace
 
 std::wstring ErrorText(HRESULT result) {
     return _com_error(result).ErrorMessage();
