@@ -61,10 +61,8 @@ function(project_tests name)
     # A test runs once; what it tests is optimised as it is delivered.
     target_compile_options(${name} PRIVATE -O0)
     target_precompile_headers(${name} REUSE_FROM test_main)
-    # No test is a matter of time, however busy the machine: what hangs is ended before by the guard, which names it.
-    set(properties TIMEOUT 300)
     if(arg_LOCK)
-        list(APPEND properties RESOURCE_LOCK ${arg_LOCK})
+        set(properties PROPERTIES RESOURCE_LOCK ${arg_LOCK})
     endif()
-    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 300 PROPERTIES ${properties})
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 300 ${properties})
 endfunction()
