@@ -11,19 +11,14 @@ using namespace outlook_tests; // its words make up the tables
 using stand_ins::ItemData;
 
 // Outcomes, and lines of the log.
-const wchar_t* const kUninspected = L"sent, subject \"Review\", old body, old attachments, uninspected";
-const wchar_t* const kUninspectedListed = L"sent, subject \"Review\", old body, old attachments, listed, uninspected";
-const wchar_t* const kOldLabels = L"sent, subject \"Review\", old body";
-const wchar_t* const kForwardOldLabels = L"sent, subject \"FW: Review\", old body";
-const wchar_t* const kOldBody = L"sent, old body";
-const wchar_t* const kOldAttachments = L"sent, old attachments";
-const wchar_t* const kWithoutItsSubject = L"sent, subject \"[Internal] \"";
 const wchar_t* const kSentTwiceInspected =
-    L"sent, subject \"Review\", old body, old attachments, the invitation differs, in Drafts, inspected twice";
+    L"sent, old subject, old body, old attachments, the invitation differs, in Drafts, inspected twice";
 const wchar_t* const kTwiceInspectedItemShown =
-    L"sent, subject \"Review\", old body, old attachments, the invitation differs, in Drafts, its item on the screen, "
+    L"sent, old subject, old body, old attachments, the invitation differs, in Drafts, its item on the screen, "
     L"inspected twice";
 const wchar_t* const kForwardTwiceInspected = L"sent, subject \"[Internal] [Internal] FW: Review\", inspected twice";
+const wchar_t* const kAppointmentSent =
+    L"sent, subject \"Review\", old body, old attachments, in Drafts, its item on the screen";
 const wchar_t* const kItemKept = L"sent, in Drafts";
 const wchar_t* const kItemInDeletedItems = L"sent, in Deleted Items";
 const wchar_t* const kDiffersInDeletedItems = L"sent, the invitation differs, in Deleted Items";
@@ -37,14 +32,15 @@ const wchar_t* const kItemOnScreen = L"not sent, in Drafts, its item on the scre
 const wchar_t* const kItemOnScreenListed = L"not sent, in Drafts, its item on the screen, listed";
 const wchar_t* const kShownAndInDeletedItems = L"not sent, in Deleted Items, on the screen";
 const wchar_t* const kShownAndInDrafts = L"not sent, in Drafts, on the screen";
-const wchar_t* const kUnchangedListed = L"sent, subject \"Review\", old body, old attachments, listed";
+const wchar_t* const kUnchanged = L"sent, old subject, old body, old attachments";
+const wchar_t* const kUnchangedListed = L"sent, old subject, old body, old attachments, listed";
 const wchar_t* const kDiffers = L"sent, the invitation differs";
 const wchar_t* const kDiffersOldAttachments = L"sent, old attachments, the invitation differs";
 const wchar_t* const kDiffersOldBody = L"sent, old body, the invitation differs";
-const wchar_t* const kDiffersOldLabels = L"sent, subject \"Review\", old body, the invitation differs";
+const wchar_t* const kDiffersOldLabels = L"sent, old subject, old body, the invitation differs";
 const wchar_t* const kDiffersWithoutItsSubject = L"sent, subject \"[Internal] \", the invitation differs";
 const wchar_t* const kOldBodyItemKept = L"sent, old body, in Drafts";
-const wchar_t* const kOldLabelsItemKept = L"sent, subject \"Review\", old body, in Drafts";
+const wchar_t* const kOldLabelsItemKept = L"sent, old subject, old body, in Drafts";
 const wchar_t* const kOnScreenUninspected = L"not sent, on the screen, uninspected";
 const wchar_t* const kShownAndInDeletedItemsUninspected = L"not sent, in Deleted Items, on the screen, uninspected";
 const wchar_t* const kShownAndInDraftsUninspected = L"not sent, in Drafts, on the screen, uninspected";
@@ -56,13 +52,9 @@ const wchar_t* const kItemsId = L"WARN Failed to get related appointment - retur
 const wchar_t* const kEmptyId = L"ERROR Caught a com exception - returning empty ID: ~";
 const wchar_t* const kOldDate = L"ERROR Caught a com exception - returning old date: ~";
 const wchar_t* const kZeroDate = L"ERROR Failed to get related appointment - returning 0";
-const wchar_t* const kNotSaved = L"WARN COM exception: ~ item wasn't saved";
 const wchar_t* const kAppointmentNotSaved = L"WARN MeetingHandler::Save:COM exception: ~ appointment wasn't saved";
 const wchar_t* const kNoneToSave = L"ERROR Couldn't get the related appointment! Save failed.";
-const wchar_t* const kEventBreaksOff = L"ERROR InspectItemBeforeSending:exception occured ";
 const wchar_t* const kNoClass = L"ERROR Failed to retrieve Redemption.RDOSession CLSID!";
-const wchar_t* const kNoSession = L"ERROR Failed to retrieve Redemption.RDOSession instance!";
-const wchar_t* const kNotCreated = L"ERROR Failed to create Redemption.RDOSession instance!";
 const wchar_t* const kNoneThroughRedemption = L"ERROR Failed to get Associated Appointment!";
 const wchar_t* const kTryRedemption = L"ERROR Error getting related appointment. Attempting with RDO.";
 const wchar_t* const kDisplayByRedemption = L"ERROR Failed to get appointment - attempting to display with RDO";
@@ -86,8 +78,7 @@ const wchar_t* const kNotShared =
     L"ERROR  MeetingHandler::FindItemInAllFolders__:Caught an  exception  in the shared calendar: ~";
 const wchar_t* const kNotById = L"ERROR Failed to get related appointment using ID - returning NULL";
 const wchar_t* const kNoId = L"ERROR Failed to get related appointment - returning NULL";
-const wchar_t* const kNoView = L"ERROR Caught a COM exception: ~";
-const wchar_t* const kRecipientSkipped = L"ERROR Caught a com exception while resolving an item recipient: ~";
+const wchar_t* const kNoSafeMeeting = L"ERROR Failed to create Redemption.SafeMeetingItem instance";
 const wchar_t* const kNoRepresentedName = L"ERROR COM exception while resolving property: (not found)";
 const wchar_t* const kNoAppointmentsSender = L"WARN Could not get associated appointment";
 
@@ -156,57 +147,69 @@ ItemData OfDelegate(ItemData meeting) {
     return meeting;
 }
 
-TEST_F(MeetingMemberFailure, RequestUpToTheWorker) {
-    // clang-format off
-    Expect({.item = Request(), .from = {L"MeetingItem.GetAssociatedAppointment", 1}, .until = {L"Application.Session get", 2}, .folder = L"Calendar"}, {
-        {{L"none"}, L"sent", {}},
-        {{L"MeetingItem.GetAssociatedAppointment#1"}, L"sent", {kNoAppointment}},
-        {{L"MeetingItem.MessageClass get#1", L"MeetingItem.Subject get#1", L"AppointmentItem.Subject get#1",
-          L"Application.ActiveExplorer#1", L"Explorer.Caption get#1"}, kUninspected, {kEventFails}},
-        {{L"MeetingItem.GetAssociatedAppointment#2"}, kDiffers, {kNoAppointment, kOnSpot}},
-        {{L"AppointmentItem.IsRecurring get#1"}, kUninspected, {kEventFails}},
-        {{L"MeetingItem.GetAssociatedAppointment#3"}, L"sent", {kNoAppointment, kItemsId}},
-        {{L"AppointmentItem.EntryID get#1"}, L"sent", {kEmptyId}},
-        {{L"MeetingItem.EntryID get#1"}, kUninspected, {kEventFails}},
-        {{L"MeetingItem.Save#1"}, kUninspected, {kNotSaved, kEventBreaksOff}},
-        {{L"MeetingItem.GetAssociatedAppointment#4"}, L"sent", {kNoAppointment, kNoneToSave, kNoClass, kNoSession, kNoneThroughRedemption}},
-        {{L"AppointmentItem.EntryID get#2"}, L"sent", {kAppointmentNotSaved}},
-        {{L"MeetingItem.EntryID get#2"}, kUninspected, {kEventFails}},
-        {{L"MeetingItem.GetAssociatedAppointment#5"}, L"sent", {kNoAppointment, kItemsId}},
-        {{L"AppointmentItem.EntryID get#3"}, L"sent", {kEmptyId}},
-        {{L"MeetingItem.GetAssociatedAppointment#6"}, L"sent", {kNoAppointment}},
-        {{L"AppointmentItem.Close#1", L"Application.ActiveExplorer#2", L"Explorer.Caption get#2"}, kUninspectedListed, {kEventFails}},
-        {{L"MeetingItem.Subject get#2"}, kWithoutItsSubject, {kNoSubject}},
-        {{L"MeetingItem.PropertyAccessor get#1", L"PropertyAccessor.GetProperty#1"}, L"sent", {kNoProperty}},
-        {{L"MeetingItem.GetAssociatedAppointment#7", L"AppointmentItem.SendUsingAccount get#1"}, L"sent", {kNoSender}},
-        {{L"MeetingItem.Recipients get#1", L"Recipients.Count get#1", L"Recipients.ResolveAll#1"}, L"sent", {kNoRecipients}},
-        {{L"Recipients.Item#1", L"Recipient.Resolved get#1", L"Recipient.PropertyAccessor get#1",
-          L"PropertyAccessor.GetProperty#2", L"Recipient.Type get#1"}, L"sent", {kNoRecipient}},
-        {{L"MeetingItem.Attachments get#1", L"Attachments.Count get#1"}, kOldAttachments, {kNoAttachments}},
-        {{L"Attachments.Item#1", L"Attachment.FileName get#1", L"Attachment.SaveAsFile#1"}, kOldAttachments, {kNoAttachment}},
-        {{L"MeetingItem.Body get#1"}, kUninspectedListed, {kEventFails}},
-    });
-    // clang-format on
+TEST_F(MeetingMemberFailure, RequestOrForwardUpToTheWorker) {
+    for (const auto& [item, onTheSpot] : {std::pair(Request(), kDiffers), {Forward(), L"sent"}}) {
+        // clang-format off
+        Expect({.item = item, .from = {L"MeetingItem.GetAssociatedAppointment", 1}, .until = {L"Application.Session get", 2}, .folder = L"Calendar"}, {
+            {{L"none"}, L"sent", {}},
+            {{L"MeetingItem.GetAssociatedAppointment#1"}, L"sent", {kNoAppointment}},
+            {{L"MeetingItem.MessageClass get#1", L"MeetingItem.Subject get#1", L"AppointmentItem.Subject get#1",
+              L"Application.ActiveExplorer#1", L"Explorer.Caption get#1"}, kUninspected, {kEventFails}},
+            {{L"MeetingItem.GetAssociatedAppointment#2"}, onTheSpot, {kNoAppointment, kOnSpot}},
+            {{L"AppointmentItem.IsRecurring get#1"}, kUninspected, {kEventFails}},
+            {{L"MeetingItem.GetAssociatedAppointment#3"}, L"sent", {kNoAppointment, kItemsId}},
+            {{L"AppointmentItem.EntryID get#1"}, L"sent", {kEmptyId}},
+            {{L"MeetingItem.EntryID get#1"}, kUninspected, {kEventFails}},
+            {{L"MeetingItem.Save#1"}, kUninspected, {kNotSaved, kEventBreaksOff}},
+            {{L"MeetingItem.GetAssociatedAppointment#4"}, L"sent", {kNoAppointment, kNoneToSave, kNoClass, kNoSession, kNoneThroughRedemption}},
+            {{L"AppointmentItem.EntryID get#2"}, L"sent", {kAppointmentNotSaved}},
+            {{L"MeetingItem.EntryID get#2"}, kUninspected, {kEventFails}},
+            {{L"MeetingItem.GetAssociatedAppointment#5"}, L"sent", {kNoAppointment, kItemsId}},
+            {{L"AppointmentItem.EntryID get#3"}, L"sent", {kEmptyId}},
+            {{L"MeetingItem.GetAssociatedAppointment#6"}, L"sent", {kNoAppointment}},
+            {{L"AppointmentItem.Close#1", L"Application.ActiveExplorer#2", L"Explorer.Caption get#2"}, kUninspectedListed, {kEventFails}},
+            {{L"MeetingItem.Subject get#2"}, kWithoutItsSubject, {kNoSubject}},
+            {{L"MeetingItem.PropertyAccessor get#1", L"PropertyAccessor.GetProperty#1"}, L"sent", {kNoProperty}},
+            {{L"MeetingItem.GetAssociatedAppointment#7", L"AppointmentItem.SendUsingAccount get#1"}, L"sent", {kNoSender}},
+            {{L"MeetingItem.Recipients get#1", L"Recipients.Count get#1", L"Recipients.ResolveAll#1"}, L"sent", {kNoRecipients}},
+            {{L"Recipients.Item#1", L"Recipient.Resolved get#1", L"Recipient.PropertyAccessor get#1",
+              L"PropertyAccessor.GetProperty#2", L"Recipient.Type get#1"}, L"sent", {kNoRecipient}},
+            {{L"MeetingItem.Attachments get#1", L"Attachments.Count get#1"}, kOldAttachments, {kNoAttachments}},
+            {{L"Attachments.Item#1", L"Attachment.FileName get#1", L"Attachment.SaveAsFile#1"}, kOldAttachments, {kNoAttachment}},
+            {{L"MeetingItem.Body get#1"}, kUninspectedListed, {kEventFails}},
+        });
+        // clang-format on
+    }
 }
 
-TEST_F(MeetingMemberFailure, RequestFromTheWorkerOn) {
+TEST_F(MeetingMemberFailure, RequestOrForwardInTheWorker) {
+    for (const ItemData& item : {Request(), Forward()}) {
+        // clang-format off
+        Expect({.item = item, .from = {L"Application.Session get", 2}, .until = {L"Application.Session get", 4}, .folder = L"Calendar"}, {
+            {{L"none"}, L"sent", {}},
+            {{L"Application.Session get#2"}, L"sent", {kNoTime}},
+            {{L"NameSpace.GetItemFromID#1"}, L"sent", {kNotInDrafts, kDraftsInVain}},
+            {{L"NameSpace.GetItemFromID#2"}, L"sent", {kNotInOutbox}},
+            {{L"MeetingItem.GetAssociatedAppointment#8"}, L"sent", {kNoAppointment}},
+            {{L"MeetingItem.MessageClass get#2", L"MeetingItem.Subject get#3", L"AppointmentItem.Subject get#2"}, L"sent", {kNoTime}},
+            {{L"MeetingItem.GetAssociatedAppointment#9"}, L"sent", {kNoAppointment, kZeroDate}},
+            {{L"AppointmentItem.IsRecurring get#2", L"AppointmentItem.LastModificationTime get#1"}, L"sent", {kOldDate}},
+            {{L"Application.Session get#3"}, L"sent", {kNoTime}},
+            {{L"NameSpace.GetItemFromID#3"}, L"sent", {kNotInDrafts, kDraftsInVain}},
+            {{L"NameSpace.GetItemFromID#4"}, L"sent", {kNotInOutbox}},
+            {{L"MeetingItem.GetAssociatedAppointment#10"}, L"sent", {kNoAppointment}},
+            {{L"MeetingItem.MessageClass get#3", L"MeetingItem.Subject get#4", L"AppointmentItem.Subject get#3"}, L"sent", {kNoTime}},
+            {{L"MeetingItem.GetAssociatedAppointment#11"}, L"sent", {kNoAppointment, kZeroDate}},
+            {{L"AppointmentItem.IsRecurring get#3", L"AppointmentItem.LastModificationTime get#2"}, L"sent", {kOldDate}},
+        });
+        // clang-format on
+    }
+}
+
+TEST_F(MeetingMemberFailure, RequestAfterTheWorker) {
     // clang-format off
-    Expect({.item = Request(), .from = {L"Application.Session get", 2}, .folder = L"Calendar"}, {
+    Expect({.item = Request(), .from = {L"Application.Session get", 4}, .folder = L"Calendar"}, {
         {{L"none"}, L"sent", {}},
-        {{L"Application.Session get#2"}, L"sent", {kNoTime}},
-        {{L"NameSpace.GetItemFromID#1"}, L"sent", {kNotInDrafts, kDraftsInVain}},
-        {{L"NameSpace.GetItemFromID#2"}, L"sent", {kNotInOutbox}},
-        {{L"MeetingItem.GetAssociatedAppointment#8"}, L"sent", {kNoAppointment}},
-        {{L"MeetingItem.MessageClass get#2", L"MeetingItem.Subject get#3", L"AppointmentItem.Subject get#2"}, L"sent", {kNoTime}},
-        {{L"MeetingItem.GetAssociatedAppointment#9"}, L"sent", {kNoAppointment, kZeroDate}},
-        {{L"AppointmentItem.IsRecurring get#2", L"AppointmentItem.LastModificationTime get#1"}, L"sent", {kOldDate}},
-        {{L"Application.Session get#3"}, L"sent", {kNoTime}},
-        {{L"NameSpace.GetItemFromID#3"}, L"sent", {kNotInDrafts, kDraftsInVain}},
-        {{L"NameSpace.GetItemFromID#4"}, L"sent", {kNotInOutbox}},
-        {{L"MeetingItem.GetAssociatedAppointment#10"}, L"sent", {kNoAppointment}},
-        {{L"MeetingItem.MessageClass get#3", L"MeetingItem.Subject get#4", L"AppointmentItem.Subject get#3"}, L"sent", {kNoTime}},
-        {{L"MeetingItem.GetAssociatedAppointment#11"}, L"sent", {kNoAppointment, kZeroDate}},
-        {{L"AppointmentItem.IsRecurring get#3", L"AppointmentItem.LastModificationTime get#2"}, L"sent", {kOldDate}},
         {{L"Application.Session get#4"}, kListed, {kInWindow}},
         {{L"NameSpace.GetItemFromID#5"}, L"sent", {kNotInDrafts, kDraftsInVain}},
         {{L"NameSpace.GetItemFromID#6"}, L"sent", {kNotInOutbox}},
@@ -293,31 +296,17 @@ TEST_F(MeetingMemberFailure, BlockedRequest) {
     // clang-format on
 }
 
-TEST_F(MeetingMemberFailure, ForwardFromTheWorkerOn) {
+TEST_F(MeetingMemberFailure, ForwardAfterTheWorker) {
     // clang-format off
-    Expect({.item = Forward(), .from = {L"Application.Session get", 2}, .folder = L"Calendar"}, {
+    Expect({.item = Forward(), .from = {L"Application.Session get", 4}, .folder = L"Calendar"}, {
         {{L"none"}, L"sent", {}},
-        {{L"Application.Session get#2"}, L"sent", {kNoTime}},
-        {{L"NameSpace.GetItemFromID#1"}, L"sent", {kNotInDrafts, kDraftsInVain}},
-        {{L"NameSpace.GetItemFromID#2"}, L"sent", {kNotInOutbox}},
-        {{L"MeetingItem.GetAssociatedAppointment#8"}, L"sent", {kNoAppointment}},
-        {{L"MeetingItem.MessageClass get#2", L"MeetingItem.Subject get#3", L"AppointmentItem.Subject get#2"}, L"sent", {kNoTime}},
-        {{L"MeetingItem.GetAssociatedAppointment#9"}, L"sent", {kNoAppointment, kZeroDate}},
-        {{L"AppointmentItem.IsRecurring get#2", L"AppointmentItem.LastModificationTime get#1"}, L"sent", {kOldDate}},
-        {{L"Application.Session get#3"}, L"sent", {kNoTime}},
-        {{L"NameSpace.GetItemFromID#3"}, L"sent", {kNotInDrafts, kDraftsInVain}},
-        {{L"NameSpace.GetItemFromID#4"}, L"sent", {kNotInOutbox}},
-        {{L"MeetingItem.GetAssociatedAppointment#10"}, L"sent", {kNoAppointment}},
-        {{L"MeetingItem.MessageClass get#3", L"MeetingItem.Subject get#4", L"AppointmentItem.Subject get#3"}, L"sent", {kNoTime}},
-        {{L"MeetingItem.GetAssociatedAppointment#11"}, L"sent", {kNoAppointment, kZeroDate}},
-        {{L"AppointmentItem.IsRecurring get#3", L"AppointmentItem.LastModificationTime get#2"}, L"sent", {kOldDate}},
         {{L"Application.Session get#4"}, kItemOnScreenListed, {kInWindow}},
         {{L"NameSpace.GetItemFromID#5"}, L"sent", {kNotInDrafts, kDraftsInVain}},
         {{L"NameSpace.GetItemFromID#6"}, L"sent", {kNotInOutbox}},
         {{L"MeetingItem.GetAssociatedAppointment#12"}, L"sent", {kNoAppointment}},
         {{L"MeetingItem.MessageClass get#4", L"MeetingItem.Subject get#5", L"AppointmentItem.Subject get#4"}, kItemOnScreenListed, {kInWindow}},
         {{L"MeetingItem.GetAssociatedAppointment#13"}, L"sent", {kNoAppointment, kOnSpot}},
-        {{L"AppointmentItem.IsRecurring get#4", L"MeetingItem.Subject put#1"}, kForwardOldLabels, {kNoLabel}},
+        {{L"AppointmentItem.IsRecurring get#4", L"MeetingItem.Subject put#1"}, kOldLabels, {kNoLabel}},
         {{L"MeetingItem.GetAssociatedAppointment#14"}, L"sent", {kNoAppointment, kOnSpot}},
         {{L"AppointmentItem.IsRecurring get#5", L"MeetingItem.Body put#1"}, kOldBody, {kNoLabel}},
         {{L"MeetingItem.GetAssociatedAppointment#15"}, L"sent", {kNoAppointment, kOnSpot}},
@@ -340,13 +329,13 @@ TEST_F(MeetingMemberFailure, ForwardFromTheWorkerOn) {
     // clang-format on
 }
 
-TEST_F(MeetingMemberFailure, Response) {
+TEST_F(MeetingMemberFailure, ForwardInsideTheEvent) {
     // clang-format off
-    Expect({.item = OfClass(kResponse), .from = {L"MeetingItem.GetAssociatedAppointment", 1}, .folder = L"Calendar"}, {
+    Expect({.item = Forward(), .embedded = true, .from = {L"MeetingItem.GetAssociatedAppointment", 1}, .folder = L"Calendar"}, {
         {{L"none"}, L"sent", {}},
-        {{L"MeetingItem.GetAssociatedAppointment#1"}, L"sent", {kNoAppointment}},
-        {{L"MeetingItem.MessageClass get#1", L"Application.ActiveExplorer#1", L"Explorer.Caption get#1"}, kUninspected, {kEventFails}},
-        {{L"MeetingItem.Subject get#1"}, kWithoutItsSubject, {kNoSubject}},
+        {{L"MeetingItem.GetAssociatedAppointment#1"}, kUnchanged, {kNoAppointment}},
+        {{L"MeetingItem.MessageClass get#1", L"MeetingItem.Subject get#1", L"AppointmentItem.Subject get#1"}, kUninspected, {kEventFails}},
+        {{L"MeetingItem.Subject get#2"}, kWithoutItsSubject, {kNoSubject}},
         {{L"MeetingItem.PropertyAccessor get#1", L"PropertyAccessor.GetProperty#1"}, L"sent", {kNoProperty}},
         {{L"MeetingItem.GetAssociatedAppointment#2", L"AppointmentItem.SendUsingAccount get#1"}, L"sent", {kNoSender}},
         {{L"MeetingItem.Recipients get#1", L"Recipients.Count get#1", L"Recipients.ResolveAll#1"}, L"sent", {kNoRecipients}},
@@ -355,37 +344,42 @@ TEST_F(MeetingMemberFailure, Response) {
         {{L"MeetingItem.Attachments get#1", L"Attachments.Count get#1"}, kOldAttachments, {kNoAttachments}},
         {{L"Attachments.Item#1", L"Attachment.FileName get#1", L"Attachment.SaveAsFile#1"}, kOldAttachments, {kNoAttachment}},
         {{L"MeetingItem.Body get#1"}, kUninspected, {kEventFails}},
-        {{L"MeetingItem.Subject put#1"}, kOldLabels, {kNoLabel}},
-        {{L"MeetingItem.Body put#1"}, kOldBody, {kNoLabel}},
-        {{L"MeetingItem.Attachments get#2", L"Attachments.Count get#2", L"Attachments.Count get#3",
-          L"Attachments.Remove#1", L"Attachments.Count get#4", L"Attachments.Add#1"}, kItemOnScreen, {kNotReplaced, kStays}},
+        {{L"MeetingItem.GetAssociatedAppointment#3"}, L"sent", {kNoAppointment, kOnSpot}},
+        {{L"AppointmentItem.IsRecurring get#1", L"MeetingItem.Subject put#1"}, kOldLabels, {kNoLabel}},
+        {{L"MeetingItem.GetAssociatedAppointment#4"}, L"sent", {kNoAppointment, kOnSpot}},
+        {{L"AppointmentItem.IsRecurring get#2", L"MeetingItem.Body put#1"}, kOldBody, {kNoLabel}},
+        {{L"MeetingItem.GetAssociatedAppointment#5"}, L"sent", {kNoAppointment, kOnSpot}},
+        {{L"AppointmentItem.IsRecurring get#3", L"MeetingItem.Attachments get#2", L"Attachments.Count get#2",
+          L"Attachments.Count get#3", L"Attachments.Remove#1", L"Attachments.Count get#4", L"Attachments.Add#1"}, kItemOnScreen, {kNotReplaced, kStays}},
         {{L"Transport.Submit#1"}, kItemOnScreen, {}},
     });
     // clang-format on
 }
 
-TEST_F(MeetingMemberFailure, Cancellation) {
-    // clang-format off
-    Expect({.item = OfClass(kCancellation), .from = {L"MeetingItem.GetAssociatedAppointment", 1}, .folder = L"Calendar"}, {
-        {{L"none"}, L"sent", {}},
-        {{L"MeetingItem.GetAssociatedAppointment#1"}, L"sent", {kNoAppointment}},
-        {{L"MeetingItem.MessageClass get#1", L"Application.ActiveExplorer#1", L"Explorer.Caption get#1"}, kUninspected, {kEventFails}},
-        {{L"MeetingItem.Subject get#1"}, kWithoutItsSubject, {kNoSubject}},
-        {{L"MeetingItem.PropertyAccessor get#1", L"PropertyAccessor.GetProperty#1"}, L"sent", {kNoProperty}},
-        {{L"MeetingItem.GetAssociatedAppointment#2", L"AppointmentItem.SendUsingAccount get#1"}, L"sent", {kNoSender}},
-        {{L"MeetingItem.Recipients get#1", L"Recipients.Count get#1", L"Recipients.ResolveAll#1"}, L"sent", {kNoRecipients}},
-        {{L"Recipients.Item#1", L"Recipient.Resolved get#1", L"Recipient.PropertyAccessor get#1",
-          L"PropertyAccessor.GetProperty#2", L"Recipient.Type get#1"}, L"sent", {kNoRecipient}},
-        {{L"MeetingItem.Attachments get#1", L"Attachments.Count get#1"}, kOldAttachments, {kNoAttachments}},
-        {{L"Attachments.Item#1", L"Attachment.FileName get#1", L"Attachment.SaveAsFile#1"}, kOldAttachments, {kNoAttachment}},
-        {{L"MeetingItem.Body get#1"}, kUninspected, {kEventFails}},
-        {{L"MeetingItem.Subject put#1"}, kOldLabels, {kNoLabel}},
-        {{L"MeetingItem.Body put#1"}, kOldBody, {kNoLabel}},
-        {{L"MeetingItem.Attachments get#2", L"Attachments.Count get#2", L"Attachments.Count get#3",
-          L"Attachments.Remove#1", L"Attachments.Count get#4", L"Attachments.Add#1"}, kItemOnScreen, {kNotReplaced, kStays}},
-        {{L"Transport.Submit#1"}, kItemOnScreen, {}},
-    });
-    // clang-format on
+TEST_F(MeetingMemberFailure, ResponseOrCancellation) {
+    for (const wchar_t* messageClass : {kResponse, kCancellation}) {
+        // clang-format off
+        Expect({.item = OfClass(messageClass), .from = {L"MeetingItem.GetAssociatedAppointment", 1}, .folder = L"Calendar"}, {
+            {{L"none"}, L"sent", {}},
+            {{L"MeetingItem.GetAssociatedAppointment#1"}, L"sent", {kNoAppointment}},
+            {{L"MeetingItem.MessageClass get#1", L"Application.ActiveExplorer#1", L"Explorer.Caption get#1"}, kUninspected, {kEventFails}},
+            {{L"MeetingItem.Subject get#1"}, kWithoutItsSubject, {kNoSubject}},
+            {{L"MeetingItem.PropertyAccessor get#1", L"PropertyAccessor.GetProperty#1"}, L"sent", {kNoProperty}},
+            {{L"MeetingItem.GetAssociatedAppointment#2", L"AppointmentItem.SendUsingAccount get#1"}, L"sent", {kNoSender}},
+            {{L"MeetingItem.Recipients get#1", L"Recipients.Count get#1", L"Recipients.ResolveAll#1"}, L"sent", {kNoRecipients}},
+            {{L"Recipients.Item#1", L"Recipient.Resolved get#1", L"Recipient.PropertyAccessor get#1",
+              L"PropertyAccessor.GetProperty#2", L"Recipient.Type get#1"}, L"sent", {kNoRecipient}},
+            {{L"MeetingItem.Attachments get#1", L"Attachments.Count get#1"}, kOldAttachments, {kNoAttachments}},
+            {{L"Attachments.Item#1", L"Attachment.FileName get#1", L"Attachment.SaveAsFile#1"}, kOldAttachments, {kNoAttachment}},
+            {{L"MeetingItem.Body get#1"}, kUninspected, {kEventFails}},
+            {{L"MeetingItem.Subject put#1"}, kOldLabels, {kNoLabel}},
+            {{L"MeetingItem.Body put#1"}, kOldBody, {kNoLabel}},
+            {{L"MeetingItem.Attachments get#2", L"Attachments.Count get#2", L"Attachments.Count get#3",
+              L"Attachments.Remove#1", L"Attachments.Count get#4", L"Attachments.Add#1"}, kItemOnScreen, {kNotReplaced, kStays}},
+            {{L"Transport.Submit#1"}, kItemOnScreen, {}},
+        });
+        // clang-format on
+    }
 }
 
 TEST_F(MeetingMemberFailure, BlockedResponse) {
@@ -593,9 +587,9 @@ TEST_F(OldMeetingMemberFailure, RequestUpToTheWorker) {
         {{L"RDOSession.CreateInstance#2"}, kItemKept, {kNotCreated, kNoSession}},
         {{L"RDOSession.GetRDOObjectFromOutlookObject#2"}, kItemKept, {kNoView}},
         {{L"RDOMeetingItem.Fields#1"}, kItemKept, {kNoSubject}},
-        {{L"SafeCurrentUser.CreateInstance#1"}, kItemKept, {L"ERROR Failed to create Redemption.SafeCurrentUser instance. This means we couldn't get the mail sender - leaving it out of the incident context"}},
+        {{L"SafeCurrentUser.CreateInstance#1"}, kItemKept, {kNoCurrentUser}},
         {{L"SafeCurrentUser.SMTPAddress get#1"}, kItemKept, {kNoSender}},
-        {{L"SafeMeetingItem.CreateInstance#1"}, kItemKept, {L"ERROR Failed to create Redemption.SafeMeetingItem instance", L"ERROR Failed to retrieve Redemption SafeItem => skipping recipients list"}},
+        {{L"SafeMeetingItem.CreateInstance#1"}, kItemKept, {kNoSafeMeeting, kNoSafeItem}},
         {{L"SafeMeetingItem.Item put#1", L"SafeMeetingItem.Recipients get#1", L"SafeRecipients.ResolveAll#1",
           L"SafeRecipients.Count get#1"}, kItemKept, {kNoRecipients}},
         {{L"SafeRecipients.Item#1", L"SafeRecipient.Resolved get#1", L"SafeRecipient.AddressEntry get#1",
@@ -666,9 +660,9 @@ TEST_F(OldMeetingMemberFailure, RequestInsideTheEvent) {
         {{L"RDOSession.CreateInstance#1"}, kDiffers, {kNotCreated, kNoSession}},
         {{L"RDOSession.GetRDOObjectFromOutlookObject#1"}, kDiffers, {kNoView}},
         {{L"RDOMeetingItem.Fields#1"}, kDiffers, {kNoSubject}},
-        {{L"SafeCurrentUser.CreateInstance#1"}, kDiffers, {L"ERROR Failed to create Redemption.SafeCurrentUser instance. This means we couldn't get the mail sender - leaving it out of the incident context"}},
+        {{L"SafeCurrentUser.CreateInstance#1"}, kDiffers, {kNoCurrentUser}},
         {{L"SafeCurrentUser.SMTPAddress get#1"}, kDiffers, {kNoSender}},
-        {{L"SafeMeetingItem.CreateInstance#1"}, kDiffers, {L"ERROR Failed to create Redemption.SafeMeetingItem instance", L"ERROR Failed to retrieve Redemption SafeItem => skipping recipients list"}},
+        {{L"SafeMeetingItem.CreateInstance#1"}, kDiffers, {kNoSafeMeeting, kNoSafeItem}},
         {{L"SafeMeetingItem.Item put#1", L"SafeMeetingItem.Recipients get#1", L"SafeRecipients.ResolveAll#1",
           L"SafeRecipients.Count get#1"}, kDiffers, {kNoRecipients}},
         {{L"SafeRecipients.Item#1", L"SafeRecipient.Resolved get#1", L"SafeRecipient.AddressEntry get#1",
@@ -738,6 +732,112 @@ TEST_F(OldMeetingMemberFailure, RequestOfAnEarlierRun) {
         {{L"MeetingItem.EntryID get#1", L"Application.Session get#4"}, kShownAndInDeletedItemsUninspected, {kNotDeleted}},
         {{L"MAPIFolder.StoreID get#3", L"NameSpace.GetItemFromID#3"}, kShownAndInDeletedItemsUninspected, {kNotFetched, kNotAmongDeleted}},
         {{L"MeetingItem.Delete#1"}, kShownAndInDeletedItemsUninspected, {kNotOutOfThere}},
+    });
+    // clang-format on
+}
+
+TEST_F(OldMeetingMemberFailure, Forward) {
+    // clang-format off
+    Expect({.item = Forward(), .from = {L"MeetingItem.GetAssociatedAppointment", 1}, .folder = L"Calendar", .version = kVersion11}, {
+        {{L"none"}, L"sent", {}},
+        // Taken for a request at first, by the worker for a forward: Redemption sends its appointment.
+        {{L"MeetingItem.GetAssociatedAppointment#1"}, kAppointmentSent, {kNoAppointment}},
+        {{L"MeetingItem.MessageClass get#1", L"MeetingItem.Subject get#1", L"AppointmentItem.Subject get#1"}, kUninspected, {kEventFails}},
+        {{L"MeetingItem.Save#1"}, L"sent", {kNotSaved}},
+        {{L"MeetingItem.GetAssociatedAppointment#2"}, L"sent", {kNoAppointment, kNoneToSave}},
+        {{L"AppointmentItem.EntryID get#1"}, L"sent", {kAppointmentNotSaved}},
+        {{L"Application.ActiveExplorer#1", L"Explorer.Caption get#1"}, kUninspected, {kEventFails}},
+        {{L"RDOSession.CreateInstance#1"}, L"sent", {kNotCreated, kNoSession, kOnSpot}},
+        {{L"RDOSession.GetRDOObjectFromOutlookObject#1", L"RDOMeetingItem.GetAssociatedAppointment#1"}, L"sent", {kNoAppointment, kOnSpot}},
+        {{L"RDOAppointmentItem.IsRecurring get#1"}, kUninspected, {kEventFails}},
+        {{L"MeetingItem.Subject get#2"}, kWithoutItsSubject, {kNoSubject}},
+        {{L"RDOSession.CreateInstance#2"}, L"sent", {kNotCreated, kNoSession}},
+        {{L"RDOSession.GetRDOObjectFromOutlookObject#2"}, L"sent", {kNoView}},
+        {{L"RDOMeetingItem.Fields#1"}, L"sent", {kNoSubject}},
+        {{L"SafeCurrentUser.CreateInstance#1"}, L"sent", {kNoCurrentUser}},
+        {{L"SafeCurrentUser.SMTPAddress get#1"}, L"sent", {kNoSender}},
+        {{L"SafeMeetingItem.CreateInstance#1"}, L"sent", {kNoSafeMeeting, kNoSafeItem}},
+        {{L"SafeMeetingItem.Item put#1", L"SafeMeetingItem.Recipients get#1", L"SafeRecipients.ResolveAll#1",
+          L"SafeRecipients.Count get#1"}, L"sent", {kNoRecipients}},
+        {{L"SafeRecipients.Item#1", L"SafeRecipient.Resolved get#1", L"SafeRecipient.AddressEntry get#1",
+          L"SafeRecipient.Fields#1", L"SafeRecipient.Address get#1", L"SafeRecipient.Name get#1",
+          L"SafeRecipient.Type get#1"}, L"sent", {kRecipientSkipped}},
+        {{L"SafeMeetingItem.Attachments get#1", L"SafeAttachments.Count get#1", L"SafeAttachments.Item#1",
+          L"SafeAttachment.FileName get#1", L"SafeAttachment.SaveAsFile#1", L"SafeMeetingItem.Body get#1"}, kUninspected, {kEventFails}},
+        {{L"RDOSession.CreateInstance#3"}, L"sent", {kNotCreated, kNoSession, kOnSpot}},
+        {{L"RDOSession.GetRDOObjectFromOutlookObject#3", L"RDOMeetingItem.GetAssociatedAppointment#2"}, L"sent", {kNoAppointment, kOnSpot}},
+        {{L"RDOAppointmentItem.IsRecurring get#2", L"MeetingItem.Subject put#1"}, kOldLabels, {kNoLabel}},
+        {{L"RDOSession.CreateInstance#4"}, L"sent", {kNotCreated, kNoSession, kOnSpot}},
+        {{L"RDOSession.GetRDOObjectFromOutlookObject#4", L"RDOMeetingItem.GetAssociatedAppointment#3"}, L"sent", {kNoAppointment, kOnSpot}},
+        {{L"RDOAppointmentItem.IsRecurring get#3", L"MeetingItem.Body put#1"}, kOldBody, {kNoLabel}},
+        {{L"RDOSession.CreateInstance#5"}, L"sent", {kNotCreated, kNoSession, kOnSpot}},
+        {{L"RDOSession.GetRDOObjectFromOutlookObject#5", L"RDOMeetingItem.GetAssociatedAppointment#4"}, L"sent", {kNoAppointment, kOnSpot}},
+        {{L"RDOAppointmentItem.IsRecurring get#4", L"MeetingItem.Attachments get#1", L"Attachments.Count get#1",
+          L"Attachments.Count get#2", L"Attachments.Remove#1", L"Attachments.Count get#3", L"Attachments.Add#1"}, kItemOnScreen, {kNotReplaced, kStays}},
+        {{L"Transport.Submit#1"}, kItemOnScreen, {}},
+    });
+    // clang-format on
+}
+
+TEST_F(OldMeetingMemberFailure, ResponseOrCancellation) {
+    for (const wchar_t* messageClass : {kResponse, kCancellation}) {
+        // clang-format off
+        Expect({.item = OfClass(messageClass), .from = {L"MeetingItem.GetAssociatedAppointment", 1}, .folder = L"Calendar", .version = kVersion11}, {
+            {{L"none"}, L"sent", {}},
+            {{L"MeetingItem.GetAssociatedAppointment#1"}, L"sent", {kNoAppointment}},
+            {{L"MeetingItem.MessageClass get#1"}, kUninspected, {kEventFails}},
+            {{L"MeetingItem.Save#1"}, L"sent", {kNotSaved}},
+            {{L"MeetingItem.GetAssociatedAppointment#2"}, L"sent", {kNoAppointment, kNoneToSave}},
+            {{L"AppointmentItem.EntryID get#1"}, L"sent", {kAppointmentNotSaved}},
+            {{L"Application.ActiveExplorer#1", L"Explorer.Caption get#1"}, kUninspected, {kEventFails}},
+            {{L"MeetingItem.Subject get#1"}, kWithoutItsSubject, {kNoSubject}},
+            {{L"RDOSession.CreateInstance#1"}, L"sent", {kNotCreated, kNoSession}},
+            {{L"RDOSession.GetRDOObjectFromOutlookObject#1"}, L"sent", {kNoView}},
+            {{L"RDOMeetingItem.Fields#1"}, L"sent", {kNoSubject}},
+            {{L"SafeCurrentUser.CreateInstance#1"}, L"sent", {kNoCurrentUser}},
+            {{L"SafeCurrentUser.SMTPAddress get#1"}, L"sent", {kNoSender}},
+            {{L"SafeMeetingItem.CreateInstance#1"}, L"sent", {kNoSafeMeeting, kNoSafeItem}},
+            {{L"SafeMeetingItem.Item put#1", L"SafeMeetingItem.Recipients get#1", L"SafeRecipients.ResolveAll#1",
+              L"SafeRecipients.Count get#1"}, L"sent", {kNoRecipients}},
+            {{L"SafeRecipients.Item#1", L"SafeRecipient.Resolved get#1", L"SafeRecipient.AddressEntry get#1",
+              L"SafeRecipient.Fields#1", L"SafeRecipient.Address get#1", L"SafeRecipient.Name get#1",
+              L"SafeRecipient.Type get#1"}, L"sent", {kRecipientSkipped}},
+            {{L"SafeMeetingItem.Attachments get#1", L"SafeAttachments.Count get#1", L"SafeAttachments.Item#1",
+              L"SafeAttachment.FileName get#1", L"SafeAttachment.SaveAsFile#1", L"SafeMeetingItem.Body get#1"}, kUninspected, {kEventFails}},
+            {{L"MeetingItem.Subject put#1"}, kOldLabels, {kNoLabel}},
+            {{L"MeetingItem.Body put#1"}, kOldBody, {kNoLabel}},
+            {{L"MeetingItem.Attachments get#1", L"Attachments.Count get#1", L"Attachments.Count get#2",
+              L"Attachments.Remove#1", L"Attachments.Count get#3", L"Attachments.Add#1"}, kItemOnScreen, {kNotReplaced, kStays}},
+            {{L"Transport.Submit#1"}, kItemOnScreen, {}},
+        });
+        // clang-format on
+    }
+}
+
+TEST_F(OldMeetingMemberFailure, BlockedResponse) {
+    // clang-format off
+    Expect({.item = OfClass(kResponse), .actions = Block(), .from = {L"MeetingItem.GetAssociatedAppointment", 1}, .folder = L"Calendar", .version = kVersion11}, {
+        {{L"none"}, kItemOnScreen, {}},
+        {{L"MeetingItem.GetAssociatedAppointment#1"}, kItemOnScreen, {kNoAppointment}},
+        {{L"MeetingItem.MessageClass get#1"}, L"sent, uninspected", {kEventFails}},
+        {{L"MeetingItem.Save#1"}, kItemOnScreen, {kNotSaved}},
+        {{L"MeetingItem.GetAssociatedAppointment#2"}, kItemOnScreen, {kNoAppointment, kNoneToSave}},
+        {{L"AppointmentItem.EntryID get#1"}, kItemOnScreen, {kAppointmentNotSaved}},
+        {{L"Application.ActiveExplorer#1", L"Explorer.Caption get#1"}, L"sent, uninspected", {kEventFails}},
+        {{L"MeetingItem.Subject get#1"}, kItemOnScreen, {kNoSubject}},
+        {{L"RDOSession.CreateInstance#1"}, kItemOnScreen, {kNotCreated, kNoSession}},
+        {{L"RDOSession.GetRDOObjectFromOutlookObject#1"}, kItemOnScreen, {kNoView}},
+        {{L"RDOMeetingItem.Fields#1"}, kItemOnScreen, {kNoSubject}},
+        {{L"SafeCurrentUser.CreateInstance#1"}, kItemOnScreen, {kNoCurrentUser}},
+        {{L"SafeCurrentUser.SMTPAddress get#1"}, kItemOnScreen, {kNoSender}},
+        {{L"SafeMeetingItem.CreateInstance#1"}, kItemOnScreen, {kNoSafeMeeting, kNoSafeItem}},
+        {{L"SafeMeetingItem.Item put#1", L"SafeMeetingItem.Recipients get#1", L"SafeRecipients.ResolveAll#1",
+          L"SafeRecipients.Count get#1"}, kItemOnScreen, {kNoRecipients}},
+        {{L"SafeRecipients.Item#1", L"SafeRecipient.Resolved get#1", L"SafeRecipient.AddressEntry get#1",
+          L"SafeRecipient.Fields#1", L"SafeRecipient.Address get#1", L"SafeRecipient.Name get#1",
+          L"SafeRecipient.Type get#1"}, kItemOnScreen, {kRecipientSkipped}},
+        {{L"SafeMeetingItem.Attachments get#1", L"SafeAttachments.Count get#1", L"SafeAttachments.Item#1",
+          L"SafeAttachment.FileName get#1", L"SafeAttachment.SaveAsFile#1", L"SafeMeetingItem.Body get#1"}, L"sent, uninspected", {kEventFails}},
     });
     // clang-format on
 }

@@ -34,6 +34,7 @@ std::vector<FailingCall> Between(std::vector<FailingCall> calls, const FailingCa
     if (!from.member.empty()) {
         calls.erase(calls.begin(), std::ranges::find(calls, from));
     }
+    EXPECT_FALSE(calls.empty()) << "there is no call " << from.Name();
     return calls;
 }
 
@@ -86,7 +87,9 @@ stand_ins::Actions Block() {
 }
 
 std::wstring MissingChanges(const stand_ins::ItemData& item, const std::wstring& oldSubject) {
-    std::wstring missing = item.subject == L"[Internal] " + oldSubject ? L"" : L", subject \"" + item.subject + L"\"";
+    std::wstring missing = item.subject == L"[Internal] " + oldSubject ? L""
+                           : item.subject == oldSubject                ? L", old subject"
+                                                                       : L", subject \"" + item.subject + L"\"";
     missing += item.body.starts_with(L"Internal") ? L"" : L", old body";
     const bool replaced = item.attachments.size() == 1 && item.attachments.at(0).displayName == L"notice.txt";
     return missing + (replaced ? L"" : L", old attachments");

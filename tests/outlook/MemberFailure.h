@@ -25,8 +25,16 @@ stand_ins::Actions Changes();
 stand_ins::Actions Block();
 
 /// What a sent item lacks of these changes, its subject having been another: "" or
-/// `, subject "Plans", old body, old attachments`.
+/// ", old subject, old body, old attachments".
 std::wstring MissingChanges(const stand_ins::ItemData& item, const std::wstring& oldSubject);
+
+// Outcomes of more than one kind of item.
+inline constexpr wchar_t kUninspected[] = L"sent, old subject, old body, old attachments, uninspected";
+inline constexpr wchar_t kUninspectedListed[] = L"sent, old subject, old body, old attachments, listed, uninspected";
+inline constexpr wchar_t kOldLabels[] = L"sent, old subject, old body";
+inline constexpr wchar_t kOldBody[] = L"sent, old body";
+inline constexpr wchar_t kOldAttachments[] = L"sent, old attachments";
+inline constexpr wchar_t kWithoutItsSubject[] = L"sent, subject \"[Internal] \"";
 
 // Lines of the log that more than one kind of item writes; ~ is the text of the failure.
 inline constexpr wchar_t kEventFails[] = L"ERROR InspectItemBeforeSending:COM error= ~";
@@ -52,6 +60,16 @@ inline constexpr wchar_t kDraftsInVain[] =
     L"WARN Could not locate the requested item in the Drafts folder - searching in OUTBOX";
 inline constexpr wchar_t kNotInOutbox[] = L"WARN Caught a com exception when searching in Outbox: ~";
 inline constexpr wchar_t kNotResent[] = L"ERROR COM error while trying to find and resend an item: ~";
+inline constexpr wchar_t kNotSaved[] = L"WARN COM exception: ~ item wasn't saved";
+inline constexpr wchar_t kEventBreaksOff[] = L"ERROR InspectItemBeforeSending:exception occured ";
+inline constexpr wchar_t kNoView[] = L"ERROR Caught a COM exception: ~";
+inline constexpr wchar_t kNotCreated[] = L"ERROR Failed to create Redemption.RDOSession instance!";
+inline constexpr wchar_t kNoSession[] = L"ERROR Failed to retrieve Redemption.RDOSession instance!";
+inline constexpr wchar_t kRecipientSkipped[] = L"ERROR Caught a com exception while resolving an item recipient: ~";
+inline constexpr wchar_t kNoCurrentUser[] =
+    L"ERROR Failed to create Redemption.SafeCurrentUser instance. This means we couldn't get the mail sender - leaving "
+    L"it out of the incident context";
+inline constexpr wchar_t kNoSafeItem[] = L"ERROR Failed to retrieve Redemption SafeItem => skipping recipients list";
 
 /// Every call of the object model that an item's road makes fails once, each in a run of its own: what becomes of the
 /// item, and what the log says.

@@ -9,17 +9,9 @@ using namespace outlook_tests; // its words make up the tables
 using stand_ins::ItemData;
 
 // Outcomes, and lines of the log.
-const wchar_t* const kUninspected = L"sent, subject \"Plans\", old body, old attachments, uninspected";
-const wchar_t* const kUninspectedListed = L"sent, subject \"Plans\", old body, old attachments, listed, uninspected";
-const wchar_t* const kOldAttachments = L"sent, old attachments";
-const wchar_t* const kOldBody = L"sent, old body";
-const wchar_t* const kOldLabels = L"sent, subject \"Plans\", old body";
-const wchar_t* const kWithoutItsSubject = L"sent, subject \"[Internal] \"";
 const wchar_t* const kStartFails = L"sent, the start fails";
 const wchar_t* const kWaitsOn = L"kept, listed, uninspected";
 const wchar_t* const kOnScreen = L"kept, on the screen";
-const wchar_t* const kNotSaved = L"WARN COM exception: ~ item wasn't saved";
-const wchar_t* const kEventBreaksOff = L"ERROR InspectItemBeforeSending:exception occured ";
 const wchar_t* const kNotByOutlook = L"ERROR MessageHandler::Send: YM:Caught a com exception during Send: ~";
 const wchar_t* const kCancelled = L"ERROR MessageHandler::Send: YM:Caught a com exception during Send: (E_ABORT)";
 const wchar_t* const kSendFails = L"ERROR MessageHandler::Send - Outlook failed to send the message item.";

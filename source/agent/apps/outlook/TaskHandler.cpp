@@ -198,19 +198,20 @@ Redemption::ISafeItemPtr TaskHandler::GetSafeItem() {
     if (SafeItem_) {
         return SafeItem_;
     }
-    SafeItem_ = CreateRedemptionObject<Redemption::ISafeItemPtr>(
+    const auto view = CreateRedemptionObject<Redemption::ISafeItemPtr>(
         L"Redemption.SafeTaskItem", L"Failed to retrieve Redemption.SafeTaskItem CLSID",
         L"Failed to create Redemption.SafeTaskItem instance", logger_);
-    if (!SafeItem_) {
+    if (!view) {
         return {};
     }
     const Outlook::_TaskItemPtr task = GetRelatedTask_();
     if (!task) {
-        // The view stays, attached to nothing: the next call gives it as it is.
+        SafeItem_ = view; // attached to nothing: the next call gives it as it is
         LOG_ERROR(logger_, L"Failed to create Redemption.SafeTaskItem - Couldn't retrieve related task item");
         return {};
     }
-    SafeItem_->PutItem(task);
+    view->PutItem(task);
+    SafeItem_ = view; // not before the task is in it
     return SafeItem_;
 }
 
