@@ -26,6 +26,18 @@ stand_ins::AgentOptions AlwaysWith(const stand_ins::Actions& actions) {
     return options;
 }
 
+/// The calls of a run in their order, without the event, which is Outlook's call and not ours.
+std::vector<FailingCall> CallsOf(const std::vector<std::wstring>& members) {
+    std::vector<FailingCall> calls;
+    for (const std::wstring& member : members) {
+        if (member != L"Application.ItemSend") {
+            const auto before = std::ranges::count(calls, member, &FailingCall::member);
+            calls.push_back({member, 1 + static_cast<std::size_t>(before)});
+        }
+    }
+    return calls;
+}
+
 /// The calls from one on to before another, where these are given.
 std::vector<FailingCall> Between(std::vector<FailingCall> calls, const FailingCall& from, const FailingCall& until) {
     if (!until.member.empty()) {
@@ -60,17 +72,6 @@ std::vector<std::wstring> Beyond(std::vector<std::wstring> usual, const std::vec
 }
 
 } // namespace
-
-std::vector<FailingCall> CallsOf(const std::vector<std::wstring>& members) {
-    std::vector<FailingCall> calls;
-    for (const std::wstring& member : members) {
-        if (member != L"Application.ItemSend") {
-            const auto before = std::ranges::count(calls, member, &FailingCall::member);
-            calls.push_back({member, 1 + static_cast<std::size_t>(before)});
-        }
-    }
-    return calls;
-}
 
 stand_ins::Actions Changes() {
     stand_ins::Actions actions;

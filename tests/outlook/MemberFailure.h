@@ -17,9 +17,6 @@ struct FailingCall {
     bool operator==(const FailingCall&) const = default;
 };
 
-/// The calls of a run in their order, without the event, which is Outlook's call and not ours.
-std::vector<FailingCall> CallsOf(const std::vector<std::wstring>& members);
-
 /// Labels the subject and the body, and replaces the attachments.
 stand_ins::Actions Changes();
 stand_ins::Actions Block();
@@ -29,6 +26,7 @@ stand_ins::Actions Block();
 std::wstring MissingChanges(const stand_ins::ItemData& item, const std::wstring& oldSubject);
 
 // Outcomes of more than one kind of item.
+inline constexpr wchar_t kUnchanged[] = L"sent, old subject, old body, old attachments";
 inline constexpr wchar_t kUninspected[] = L"sent, old subject, old body, old attachments, uninspected";
 inline constexpr wchar_t kUninspectedListed[] = L"sent, old subject, old body, old attachments, listed, uninspected";
 inline constexpr wchar_t kOldLabels[] = L"sent, old subject, old body";
@@ -49,6 +47,7 @@ inline constexpr wchar_t kNoAttachments[] = L"ERROR Caught a com exception while
 inline constexpr wchar_t kNoAttachment[] = L"ERROR Caught a com exception while adding attachment #1 - (skipping): ~";
 inline constexpr wchar_t kNoLabel[] = L"ERROR Unknown error while applying data label.";
 inline constexpr wchar_t kNotReplaced[] = L"ERROR Caught a com exception while replacing attachments: ~";
+inline constexpr wchar_t kNothingToReplace[] = L"ERROR Caught a com exception while replacing attachments: (E_POINTER)";
 inline constexpr wchar_t kStays[] = L"ERROR Failed to override attachments - cannot send the email";
 inline constexpr wchar_t kNotSent[] =
     L"ERROR Caught a vorlek exception: FILE: vorlek::OutlookController::SendMail_: Exception: Failed to replace "
@@ -63,6 +62,7 @@ inline constexpr wchar_t kNotResent[] = L"ERROR COM error while trying to find a
 inline constexpr wchar_t kNotSaved[] = L"WARN COM exception: ~ item wasn't saved";
 inline constexpr wchar_t kEventBreaksOff[] = L"ERROR InspectItemBeforeSending:exception occured ";
 inline constexpr wchar_t kNoView[] = L"ERROR Caught a COM exception: ~";
+inline constexpr wchar_t kNoClass[] = L"ERROR Failed to retrieve Redemption.RDOSession CLSID!";
 inline constexpr wchar_t kNotCreated[] = L"ERROR Failed to create Redemption.RDOSession instance!";
 inline constexpr wchar_t kNoSession[] = L"ERROR Failed to retrieve Redemption.RDOSession instance!";
 inline constexpr wchar_t kRecipientSkipped[] = L"ERROR Caught a com exception while resolving an item recipient: ~";

@@ -1,4 +1,5 @@
-// Every call of Outlook's object model that the road of a task request makes fails once, each in a run of its own.
+// Every call of Outlook's object model, and of Redemption's, that the road of a task request makes fails once, each in
+// a run of its own.
 #include "tests/outlook/MemberFailure.h"
 #include "tests/outlook/OldOutlookTest.h"
 #include "tests/outlook/TaskTest.h"
@@ -14,7 +15,6 @@ const wchar_t* const kShown = L"kept, on the screen, uninspected";
 const wchar_t* const kWaitsOn = L"kept, listed, uninspected";
 const wchar_t* const kNoRecipientsList = L"WARN Could not get recipients";
 const wchar_t* const kNoTask = L"ERROR Caught a com exception while getting related task: ~";
-const wchar_t* const kNothingToReplace = L"ERROR Caught a com exception while replacing attachments: (E_POINTER)";
 const wchar_t* const kSendFails = L"ERROR Caught(TaskHandler::Send) a com exception during Send: ~";
 const wchar_t* const kCancelled = L"ERROR Caught(TaskHandler::Send) a com exception during Send: (E_ABORT)";
 const wchar_t* const kNoSafeTask = L"ERROR Failed to create Redemption.SafeTaskItem instance";
