@@ -76,6 +76,7 @@ const wchar_t* const kNotShared =
     L"ERROR  MeetingHandler::FindItemInAllFolders__:Caught an  exception  in the shared calendar: ~";
 const wchar_t* const kNotById = L"ERROR Failed to get related appointment using ID - returning NULL";
 const wchar_t* const kNoId = L"ERROR Failed to get related appointment - returning NULL";
+const wchar_t* const kNoSafeMeetingClass = L"ERROR Failed to retrieve Redemption.SafeMeetingItem CLSID";
 const wchar_t* const kNoSafeMeeting = L"ERROR Failed to create Redemption.SafeMeetingItem instance";
 const wchar_t* const kNoRepresentedName = L"ERROR COM exception while resolving property: (not found)";
 const wchar_t* const kNoAppointmentsSender = L"WARN Could not get associated appointment";
@@ -136,8 +137,11 @@ private:
 };
 
 class OldMeetingMemberFailure : public MeetingMemberFailure {
+protected:
+    void RemoveRedemption() { redemption_.reset(); }
+
 private:
-    RedemptionLibrary redemption_;
+    std::optional<RedemptionLibrary> redemption_{std::in_place};
 };
 
 ItemData OfDelegate(ItemData meeting) {
@@ -836,6 +840,42 @@ TEST_F(OldMeetingMemberFailure, BlockedResponse) {
           L"SafeRecipient.Type get#1"}, kItemOnScreen, {kRecipientSkipped}},
         {{L"SafeMeetingItem.Attachments get#1", L"SafeAttachments.Count get#1", L"SafeAttachments.Item#1",
           L"SafeAttachment.FileName get#1", L"SafeAttachment.SaveAsFile#1", L"SafeMeetingItem.Body get#1"}, L"sent, uninspected", {kEventFails}},
+    });
+    // clang-format on
+}
+
+TEST_F(OldMeetingMemberFailure, RequestWithoutRedemption) {
+    RemoveRedemption();
+    // clang-format off
+    Expect({.item = Request(), .from = {L"MeetingItem.GetAssociatedAppointment", 1}, .folder = L"Calendar", .version = kVersion11}, {
+        {{L"none"}, kUnchanged, {kNoClass, kNoSession, kOnSpot, kNoCurrentUserClass, kNoSafeMeetingClass, kNoSafeItem, kAttachmentsSkipped, kEmptyText, kNoLabel}},
+        {{L"MeetingItem.GetAssociatedAppointment#1"}, kUnchanged, {kNoAppointment}},
+        {{L"MeetingItem.MessageClass get#1", L"MeetingItem.Subject get#1", L"AppointmentItem.Subject get#1"}, kUninspected, {kEventFails}},
+        {{L"MeetingItem.Save#1"}, kUnchanged, {kNotSaved}},
+        {{L"MeetingItem.GetAssociatedAppointment#2"}, kUnchanged, {kNoAppointment, kNoneToSave, kNoneThroughRedemption, kNoClass, kNoSession}},
+        {{L"AppointmentItem.EntryID get#1"}, kUnchanged, {kAppointmentNotSaved}},
+        {{L"Application.ActiveExplorer#1", L"Explorer.Caption get#1"}, kUninspected, {kEventFails}},
+        {{L"MeetingItem.Subject get#2"}, kUnchanged, {kNoSubject}},
+        {{L"Transport.Submit#1"}, kShownAndInDrafts, {}},
+    });
+    // clang-format on
+}
+
+TEST_F(OldMeetingMemberFailure, ResponseWithoutRedemption) {
+    RemoveRedemption();
+    // clang-format off
+    Expect({.item = OfClass(kResponse), .from = {L"MeetingItem.GetAssociatedAppointment", 1}, .folder = L"Calendar", .version = kVersion11}, {
+        {{L"none"}, kOldAttachments, {kNoClass, kNoSession, kNoCurrentUserClass, kNoSafeMeetingClass, kNoSafeItem, kAttachmentsSkipped, kEmptyText}},
+        {{L"MeetingItem.GetAssociatedAppointment#1"}, kOldAttachments, {kNoAppointment}},
+        {{L"MeetingItem.MessageClass get#1"}, kUninspected, {kEventFails}},
+        {{L"MeetingItem.Save#1"}, kOldAttachments, {kNotSaved}},
+        {{L"MeetingItem.GetAssociatedAppointment#2"}, kOldAttachments, {kNoAppointment, kNoneToSave, kNoneThroughRedemption, kNoClass, kNoSession}},
+        {{L"AppointmentItem.EntryID get#1"}, kOldAttachments, {kAppointmentNotSaved}},
+        {{L"Application.ActiveExplorer#1", L"Explorer.Caption get#1"}, kUninspected, {kEventFails}},
+        {{L"MeetingItem.Subject get#1"}, kEmptySubject, {kNoSubject}},
+        {{L"MeetingItem.Subject put#1"}, kUnchanged, {kNoLabel}},
+        {{L"MeetingItem.Body put#1"}, kSubjectAlone, {kNoLabel}},
+        {{L"Transport.Submit#1"}, kItemOnScreen, {}},
     });
     // clang-format on
 }

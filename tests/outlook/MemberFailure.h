@@ -31,6 +31,8 @@ inline constexpr wchar_t kUninspected[] = L"sent, old subject, old body, old att
 inline constexpr wchar_t kUninspectedListed[] = L"sent, old subject, old body, old attachments, listed, uninspected";
 inline constexpr wchar_t kOldLabels[] = L"sent, old subject, old body";
 inline constexpr wchar_t kOldBody[] = L"sent, old body";
+inline constexpr wchar_t kSubjectAlone[] = L"sent, old body, old attachments";
+inline constexpr wchar_t kEmptySubject[] = L"sent, subject \"[Internal] \", old attachments";
 inline constexpr wchar_t kOldAttachments[] = L"sent, old attachments";
 inline constexpr wchar_t kWithoutItsSubject[] = L"sent, subject \"[Internal] \"";
 
@@ -70,6 +72,12 @@ inline constexpr wchar_t kNoCurrentUser[] =
     L"ERROR Failed to create Redemption.SafeCurrentUser instance. This means we couldn't get the mail sender - leaving "
     L"it out of the incident context";
 inline constexpr wchar_t kNoSafeItem[] = L"ERROR Failed to retrieve Redemption SafeItem => skipping recipients list";
+inline constexpr wchar_t kNoCurrentUserClass[] =
+    L"ERROR Failed to retrieve Redemption.SafeCurrentUser CLSID. This means we couldn't get the mail sender - leaving "
+    L"it out of the incident context";
+inline constexpr wchar_t kAttachmentsSkipped[] =
+    L"ERROR Failed to retrieve Redemption SafeItem => skipping preparing attachments for inspection";
+inline constexpr wchar_t kEmptyText[] = L"ERROR Failed to retrieve Redemption SafeItem => exporting an empty text";
 
 /// Every call of the object model that an item's road makes fails once, each in a run of its own: what becomes of the
 /// item, and what the log says.

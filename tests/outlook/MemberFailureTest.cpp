@@ -11,10 +11,9 @@ using namespace outlook_tests; // its words make up the tables
 using stand_ins::ItemData;
 
 // Outcomes, and lines of the log.
+const wchar_t* const kEmptySubjectAlone = L"sent, subject \"[Internal] \", old body, old attachments";
 const wchar_t* const kListed = L"kept, listed";
 const wchar_t* const kShown = L"kept, on the screen, uninspected";
-const wchar_t* const kSubjectAlone = L"sent, old body, old attachments";
-const wchar_t* const kEmptySubjectAlone = L"sent, subject \"[Internal] \", old body, old attachments";
 const wchar_t* const kStartFails = L"sent, the start fails";
 const wchar_t* const kWaitsOn = L"kept, listed, uninspected";
 const wchar_t* const kOnScreen = L"kept, on the screen";
@@ -36,13 +35,7 @@ const wchar_t* const kNoWordWindow =
 const wchar_t* const kNoSafeMail = L"ERROR Failed to create Redemption.SafeMailItem instance";
 const wchar_t* const kNoHtml = L"ERROR Failed to retrieve Redemption RDO mail => exporting no HTML";
 const wchar_t* const kNoRichText = L"ERROR Failed to retrieve Redemption RDO mail => exporting no rich text";
-const wchar_t* const kNoCurrentUserClass =
-    L"ERROR Failed to retrieve Redemption.SafeCurrentUser CLSID. This means we couldn't get the mail sender - leaving "
-    L"it out of the incident context";
 const wchar_t* const kNoSafeMailClass = L"ERROR Failed to retrieve Redemption.SafeMailItem CLSID";
-const wchar_t* const kAttachmentsSkipped =
-    L"ERROR Failed to retrieve Redemption SafeItem => skipping preparing attachments for inspection";
-const wchar_t* const kEmptyText = L"ERROR Failed to retrieve Redemption SafeItem => exporting an empty text";
 const wchar_t* const kNotByRedemption = L"ERROR MessageHandler::SendWithRDO_: Caught a com exception during Send: ~";
 
 class MemberFailure : public MemberFailureTest {

@@ -17,6 +17,7 @@ const wchar_t* const kNoRecipientsList = L"WARN Could not get recipients";
 const wchar_t* const kNoTask = L"ERROR Caught a com exception while getting related task: ~";
 const wchar_t* const kSendFails = L"ERROR Caught(TaskHandler::Send) a com exception during Send: ~";
 const wchar_t* const kCancelled = L"ERROR Caught(TaskHandler::Send) a com exception during Send: (E_ABORT)";
+const wchar_t* const kNoSafeTaskClass = L"ERROR Failed to retrieve Redemption.SafeTaskItem CLSID";
 const wchar_t* const kNoSafeTask = L"ERROR Failed to create Redemption.SafeTaskItem instance";
 const wchar_t* const kSafeTaskEmpty =
     L"ERROR Failed to create Redemption.SafeTaskItem - Couldn't retrieve related task item";
@@ -128,8 +129,11 @@ TEST_F(TaskMemberFailure, RequestOfAnEarlierRun) {
 }
 
 class OldTaskMemberFailure : public TaskMemberFailure {
+protected:
+    void RemoveRedemption() { redemption_.reset(); }
+
 private:
-    RedemptionLibrary redemption_;
+    std::optional<RedemptionLibrary> redemption_{std::in_place};
 };
 
 TEST_F(OldTaskMemberFailure, AssignedTask) {
@@ -209,6 +213,26 @@ TEST_F(OldTaskMemberFailure, RequestOfAnEarlierRun) {
         {{L"TaskRequestItem.GetAssociatedTask#1"}, kShown, {kNoTask}},
         {{L"TaskRequestItem.MessageClass get#1", L"TaskRequestItem.Subject get#1", L"TaskItem.Subject get#1",
           L"TaskRequestItem.Display#1"}, kWaitsOn, {kNotResent}},
+    });
+    // clang-format on
+}
+
+TEST_F(OldTaskMemberFailure, AssignedTaskWithoutRedemption) {
+    RemoveRedemption();
+    // clang-format off
+    Expect({.item = PaintTheFence(), .from = {L"TaskRequestItem.GetAssociatedTask", 1}, .version = kVersion11}, {
+        {{L"none"}, kOldAttachments, {kNoClass, kNoSession, kNoCurrentUserClass, kNoSafeTaskClass, kNoSafeItem, kAttachmentsSkipped, kEmptyText}},
+        {{L"TaskRequestItem.GetAssociatedTask#1"}, kOldAttachments, {kNoTask}},
+        {{L"TaskRequestItem.MessageClass get#1", L"TaskRequestItem.Subject get#1", L"TaskItem.Subject get#1",
+          L"Application.ActiveExplorer#1", L"Explorer.Caption get#1"}, kUninspected, {kEventFails}},
+        {{L"TaskRequestItem.Subject get#2"}, kEmptySubject, {kNoSubject}},
+        {{L"TaskRequestItem.GetAssociatedTask#2"}, kUnchanged, {kNoTask, kNoLabel}},
+        {{L"TaskItem.Subject put#1"}, kUnchanged, {kNoLabel}},
+        {{L"TaskItem.Save#1"}, kSubjectAlone, {kNoLabel}},
+        {{L"TaskRequestItem.GetAssociatedTask#3"}, kSubjectAlone, {kNoTask, kNoLabel}},
+        {{L"TaskItem.Body put#1"}, kSubjectAlone, {kNoLabel}},
+        {{L"TaskItem.Save#2"}, kOldAttachments, {kNoLabel}},
+        {{L"Transport.Submit#1"}, kOnScreen, {}},
     });
     // clang-format on
 }
