@@ -136,13 +136,7 @@ private:
     }
 };
 
-class OldMeetingMemberFailure : public MeetingMemberFailure {
-protected:
-    void RemoveRedemption() { redemption_.reset(); }
-
-private:
-    std::optional<RedemptionLibrary> redemption_{std::in_place};
-};
+using OldMeetingMemberFailure = WithRedemption<MeetingMemberFailure>;
 
 ItemData OfDelegate(ItemData meeting) {
     meeting.fromName = L"Anna Weber";

@@ -29,6 +29,8 @@ std::wstring MissingChanges(const stand_ins::ItemData& item, const std::wstring&
 inline constexpr wchar_t kUnchanged[] = L"sent, old subject, old body, old attachments";
 inline constexpr wchar_t kUninspected[] = L"sent, old subject, old body, old attachments, uninspected";
 inline constexpr wchar_t kUninspectedListed[] = L"sent, old subject, old body, old attachments, listed, uninspected";
+inline constexpr wchar_t kShown[] = L"kept, on the screen, uninspected";
+inline constexpr wchar_t kWaitsOn[] = L"kept, listed, uninspected";
 inline constexpr wchar_t kOldLabels[] = L"sent, old subject, old body";
 inline constexpr wchar_t kOldBody[] = L"sent, old body";
 inline constexpr wchar_t kSubjectAlone[] = L"sent, old body, old attachments";

@@ -13,9 +13,7 @@ using stand_ins::ItemData;
 // Outcomes, and lines of the log.
 const wchar_t* const kEmptySubjectAlone = L"sent, subject \"[Internal] \", old body, old attachments";
 const wchar_t* const kListed = L"kept, listed";
-const wchar_t* const kShown = L"kept, on the screen, uninspected";
 const wchar_t* const kStartFails = L"sent, the start fails";
-const wchar_t* const kWaitsOn = L"kept, listed, uninspected";
 const wchar_t* const kOnScreen = L"kept, on the screen";
 const wchar_t* const kNotByOutlook = L"ERROR MessageHandler::Send: YM:Caught a com exception during Send: ~";
 const wchar_t* const kCancelled = L"ERROR MessageHandler::Send: YM:Caught a com exception during Send: (E_ABORT)";
@@ -218,13 +216,7 @@ TEST_F(MemberFailure, MailOfAnEarlierRunInAnotherStore) {
     // clang-format on
 }
 
-class OldMemberFailure : public MemberFailure {
-protected:
-    void RemoveRedemption() { redemption_.reset(); }
-
-private:
-    std::optional<RedemptionLibrary> redemption_{std::in_place};
-};
+using OldMemberFailure = WithRedemption<MemberFailure>;
 
 /// To one whose address stands in the recipient, and to one whose address only his entry knows.
 ItemData OldPlainMail() {

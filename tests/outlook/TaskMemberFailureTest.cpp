@@ -11,8 +11,6 @@ using namespace outlook_tests; // its words make up the tables
 
 // Outcomes, and lines of the log.
 const wchar_t* const kOnScreen = L"kept, on the screen";
-const wchar_t* const kShown = L"kept, on the screen, uninspected";
-const wchar_t* const kWaitsOn = L"kept, listed, uninspected";
 const wchar_t* const kNoRecipientsList = L"WARN Could not get recipients";
 const wchar_t* const kNoTask = L"ERROR Caught a com exception while getting related task: ~";
 const wchar_t* const kSendFails = L"ERROR Caught(TaskHandler::Send) a com exception during Send: ~";
@@ -128,13 +126,7 @@ TEST_F(TaskMemberFailure, RequestOfAnEarlierRun) {
     // clang-format on
 }
 
-class OldTaskMemberFailure : public TaskMemberFailure {
-protected:
-    void RemoveRedemption() { redemption_.reset(); }
-
-private:
-    std::optional<RedemptionLibrary> redemption_{std::in_place};
-};
+using OldTaskMemberFailure = WithRedemption<TaskMemberFailure>;
 
 TEST_F(OldTaskMemberFailure, AssignedTask) {
     // clang-format off
